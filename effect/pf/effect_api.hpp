@@ -19,14 +19,14 @@ struct PF_InData
     A_long reserved;
     A_long what_cpu;
     A_long what_fpu;
-    A_long current_time;      // in units of 1/time_scale second
-    A_long time_step;         // one frame, in the same units; may be 0
+    A_long current_time; // in units of 1/time_scale second
+    A_long time_step;    // one frame, in the same units; may be 0
     A_long total_time;
     A_long local_time_step;
     A_u_long time_scale;
     PF_Field field;
     PF_Fixed shutter_angle;
-    A_long width;             // of the layer at full resolution
+    A_long width; // of the layer at full resolution
     A_long height;
     PF_Rect extent_hint;
     A_long output_origin_x;

@@ -1,0 +1,186 @@
+#include "effect/layout/crossing.hpp"
+
+#include "effect/layout/sp_line.hpp"
+#include "effect/model/curve.hpp"
+#include "effect/model/frame_data.hpp"
+#include "effect/model/numeric.hpp"
+#include "effect/shell/mem_pool.hpp"
+
+#include <algorithm>
+
+namespace
+{
+// The bend of one crossing. `p` is the straight line's across position, `reach` the bend's half length along it,
+// `q` where the ripple is read: p less the frame number.
+struct crossing
+{
+    frame_data& frame;
+    const curve& ripple;
+    const sp_line& straight;
+    float across; // of the rippled line: where along the straight line they cross
+    float p;
+    float q;
+    float reach;
+
+    bool vertical() const { return straight.vertical != 0; }
+
+    // A point of the straight line's direction, given its position across and along it.
+    curve_pt_t knot_point(float across_line, float along_line, double angle) const
+    {
+        const auto a = static_cast<double>(across_line);
+        const auto l = static_cast<double>(along_line);
+        return vertical() ? curve_pt_t{a, l, angle} : curve_pt_t{l, a, angle};
+    }
+
+    fpoint_t bend_point(double across_line, float along_line) const
+    {
+        const auto l = static_cast<double>(along_line);
+        return vertical() ? fpoint_t{across_line, l} : fpoint_t{l, across_line};
+    }
+
+    // Where along the straight line sample m of the bend lies.
+    float position(int m) const { return (across - reach) + static_cast<float>(m); }
+};
+
+// Samples of the bend: one a pixel over twice its reach.
+struct bend_samples
+{
+    fpoint_t* points;     // count of them, and one more
+    std::uint8_t* placed; // 1 where the first knot gave the sample a place
+    int count;
+};
+
+// The direction of the ripple at the crossing, from its rise `d` over the run `e`. `previous` is kept for the one
+// value of e that no case covers.
+double ripple_angle(const PF_ANSICallbacks& ansi, float d, float e, double previous)
+{
+    constexpr double kPi = 3.141592653589793;
+    if (static_cast<double>(d) < -1e-5)
+        return ansi.atan(static_cast<double>(e / d));
+    if (static_cast<double>(e) < 1e-5)
+        return kPi / 2.0;
+    if (static_cast<double>(e) > 1e-5)
+        return ansi.atan(static_cast<double>(e / d)) + kPi;
+    return previous;
+}
+
+// One three-point line for each harmonic from 1 on that has a value at the crossing; the others stay null.
+void build_knots(const crossing& x, sp_line** knots)
+{
+    const frame_data& frame = x.frame;
+    const PF_ANSICallbacks& ansi = frame.in_data->utils->ansi;
+    const auto origin = static_cast<float>(x.vertical() ? frame.marginX : frame.marginY);
+    const float before = x.q - 1.0f;
+    const float after = x.q + 1.0f;
+    const float e = after - before;
+    double angle = 0.0;
+    for (int k = 1; k < x.ripple.harmonics(); ++k)
+    {
+        float c = 0.0f;
+        float l = 0.0f;
+        float r = 0.0f;
+        if (!x.ripple.F(k, x.q - origin, &c) || !x.ripple.F(k, before - origin, &l) ||
+            !x.ripple.F(k, after - origin, &r))
+            continue;
+        c += x.across;
+        l += x.across;
+        r += x.across;
+        angle = ripple_angle(ansi, r - l, e, angle);
+        const double knot_angle = angle * 57.29577951308232 + 90.0;
+        knots[k] = pool_new<sp_line>(frame.pool, &x.frame, x.straight.vertical,
+                                     x.knot_point(x.p, x.across - x.reach, 0.0), x.knot_point(x.q, c, knot_angle),
+                                     x.knot_point(x.p, x.across + x.reach, 0.0));
+    }
+}
+
+// The first knot's line, and each further one's departure from the straight line at half the weight of the one
+// before.
+void sample_bend(const crossing& x, sp_line* const* knots, const bend_samples& bend)
+{
+    const auto pow = x.frame.in_data->utils->ansi.pow;
+    for (int m = 0; m < bend.count; ++m)
+    {
+        float v = 0.0f;
+        if (!knots[1]->value(x.position(m), &v))
+            continue;
+        bend.points[m] = x.bend_point(static_cast<double>(v), x.position(m));
+        bend.placed[m] = 1;
+    }
+    for (int k = 2; k < x.ripple.harmonics(); ++k)
+    {
+        for (int m = 0; knots[k] != nullptr && m < bend.count; ++m)
+        {
+            float v = 0.0f;
+            if (!knots[k]->value(x.position(m), &v))
+                continue;
+            double& across = x.vertical() ? bend.points[m].x : bend.points[m].y;
+            across += static_cast<double>(v - x.p) / pow(2.0, static_cast<double>(k - 1));
+        }
+    }
+}
+
+// Every sample but a last fractional one; or, with angular lines, `tolerance` + 2 of them evenly spread, the last
+// of which may be the point where the bend ends.
+void append_bend(const crossing& x, const bend_samples& bend, sp_line& straight)
+{
+    const float length = 2.0f * x.reach;
+    if (x.frame.angularLines == 0)
+    {
+        const int whole = std::min(trunc_i32(static_cast<double>(length)), bend.count);
+        for (int m = 0; m < whole; ++m)
+            if (bend.placed[m] != 0)
+                straight.insert_distortion(&bend.points[m], 1);
+        return;
+    }
+    const std::int64_t segments = std::int64_t{x.frame.tolerance} + 1;
+    const float step = length / static_cast<float>(segments);
+    for (std::int64_t j = 0; j <= segments && straight.num_points < straight.max_points; ++j)
+    {
+        const int m = trunc_i32(static_cast<double>(static_cast<float>(j) * step));
+        if (m >= bend.count)
+        {
+            const fpoint_t end = x.bend_point(static_cast<double>(x.p), x.across + x.reach);
+            straight.insert_distortion(&end, 1);
+        }
+        else if (m >= 0 && bend.placed[m] != 0)
+        {
+            straight.insert_distortion(&bend.points[m], 1);
+        }
+    }
+}
+} // namespace
+
+void distort_crossing(frame_data& frame, Loom::RandomGenerator32& rng, const curve& ripple, float ripple_across,
+                      sp_line& straight)
+{
+    if (!straight.has_points())
+        return;
+    mem_pool* const pool = frame.pool;
+    const float p = straight.vertical != 0 ? straight.base_x : straight.base_y;
+    const float q = p - static_cast<float>(ripple.phase());
+    float reach =
+        rand_param(rng, static_cast<float>(frame.distortion), static_cast<float>(frame.distortionRandomness));
+    if (reach < 1.0f)
+        reach = 0.0f;
+    const crossing x = {frame, ripple, straight, ripple_across, p, q, reach};
+
+    void* const mark = pool->next;
+    auto* const knots = pool_array<sp_line*>(pool, std::int64_t{ripple.harmonics()} + 1);
+    if (knots != nullptr)
+        build_knots(x, knots);
+
+    const float length = 2.0f * reach;
+    const int whole = trunc_i32(static_cast<double>(length));
+    const int count = wrap_add(whole, static_cast<float>(whole) < length ? 1 : 0);
+    if (knots != nullptr && ripple.harmonics() > 1 && knots[1] != nullptr && count > 0)
+    {
+        const bend_samples bend = {pool_array<fpoint_t>(pool, std::int64_t{count} + 1),
+                                   pool_array<std::uint8_t>(pool, count), count};
+        if (bend.points != nullptr && bend.placed != nullptr)
+        {
+            sample_bend(x, knots, bend);
+            append_bend(x, bend, straight);
+        }
+    }
+    pool_release(pool, mark);
+}

@@ -1,0 +1,50 @@
+#pragma once
+// The ripple of one line: a one-dimensional random wave, sampled once, evaluated along the line by smooth
+// interpolation, with further octaves that slide with time. Carved from the frame's pool.
+
+#include "effect/model/ae_obj.hpp"
+#include "effect/model/random.hpp"
+
+#include <cstdint>
+
+class frame_data;
+
+class curve : public ae_obj
+{
+public:
+    // `phase` is the frame number, `turbulence` the line's own, `skip` a number of draws thrown away first.
+    // Draws from a generator of its own, seeded with `seed`: size, wavelength, speed, the skipped ones, the
+    // samples.
+    curve(frame_data* frame, unsigned int seed, int skip, std::int64_t phase, float turbulence);
+
+    // The base wave at t pixels. False (and `out` untouched) outside the sampled length.
+    bool f(float t, float* out) const noexcept;
+
+    // The turbulent sum at t pixels along the line. False where the base or an inner octave lies outside the
+    // sampled length; the last octave is left out quietly there.
+    bool F(float t, float* out) const noexcept;
+
+    // Octave k alone, without its weight; k = 0 is the base.
+    bool F(int k, float t, float* out) const noexcept;
+
+    // False where the pool had no room for the samples: the curve then has no value anywhere.
+    bool sampled() const noexcept { return samples_ != nullptr; }
+    int harmonics() const noexcept { return octaves_; }
+    std::int64_t phase() const noexcept { return phase_; }
+
+private:
+    float octave_position(int k, float t0) const noexcept;
+
+    Loom::RandomGenerator32 generator_{0};
+    std::int16_t octaves_ = 0; // 2 to 7 (0 for a turbulence that is not a number)
+    std::int16_t bands_ = 0;   // sizes the sample array only
+    std::int64_t phase_ = 0;
+    float last_weight_ = 0.0f; // of the last octave: the turbulence's fraction
+    float speed_ = 0.0f;
+    PF_InData* in_data_ = nullptr;
+    frame_data* frame_ = nullptr;
+    std::int64_t count_ = 0;     // usable samples
+    std::int16_t amplitude_ = 0; // pixels
+    std::int16_t step_ = 0;      // wavelength in pixels: the distance between samples
+    float* samples_ = nullptr;   // count * (bands + 1), and a zero
+};

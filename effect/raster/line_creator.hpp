@@ -1,0 +1,68 @@
+#pragma once
+// The stroke rasteriser: draws one stroke, given as samples with a radius and a colour each, onto the canvas. A
+// pixel takes the radius and colour of the sample nearest to its centre. A member of the frame record; set up once
+// per render, then for each stroke or piece of a wrapped one.
+
+#include "effect/pf/effect_api.hpp"
+#include "effect/raster/stroke_point.hpp"
+#include "effect/shell/mem_pool.hpp"
+
+#include <cstddef>
+#include <cstdint>
+
+class aeg;
+
+class LineCreatorClass
+{
+public:
+    // The coverage table: rows of hundredths of a pixel that the rim lies beyond the pixel centre, plus one;
+    // columns of 255ths of the sine of the rim's direction. Only the first 200 rows are filled.
+    static constexpr int kTableColumns = 256;
+    static constexpr int kTableRows = 300;
+    static constexpr int kTableFilledRows = 200;
+
+    // Carves and fills the coverage table; null where the pool is short. Answers 1.
+    int CreateTables();
+    // Draws the current stroke. Answers 1.
+    int Render();
+
+    // Swept boxes, with a solid core where every pixel is sure to be covered / every pixel decided on its own.
+    void SubRenderMonocolor();
+    void SubRenderMulticolor();
+
+    // Decide one pixel of the canvas: column x, row y, both inside it. The nearest sample's radius gives the
+    // alpha; the colour is the stroke's, or the nearest sample's. Writing the same pixel twice writes the same
+    // value.
+    void CalculatePixelMonocolor(int x, int y);
+    void CalculatePixelMulticolor(int x, int y);
+
+    StrokePoint* points = nullptr;
+    mem_pool* pool = nullptr;
+    PF_InData* in_data = nullptr;
+    aeg* context = nullptr;         // whose tiles are marked
+    PF_Pixel* pixels = nullptr;     // the canvas
+    float* coverageTable = nullptr; // kTableRows x kTableColumns
+    std::int32_t width = 0;         // of the canvas, pixels
+    std::int32_t height = 0;
+    std::int32_t rowBytes = 0;
+    std::int32_t pointCount = 0;
+    std::int32_t axis = 0;               // 0: the stroke runs along x, 1: along y
+    std::int32_t samplesPerPixel = 0;    // 1 at low quality, 2 at high
+    float outerRadius = 0.0f;            // pixels: nothing is drawn farther out
+    float innerRadius = 0.0f;            // half side of the square that is covered around every sample
+    float coreOpacity = 0.0f;            // factor of the alpha reached at the radius; 1 for none
+    std::uint8_t* coveredMask = nullptr; // width x height: 1 where the current stroke's core is
+    bool monocolor = false;
+    void (LineCreatorClass::*pixelFunction)(int, int) = nullptr;
+    void (LineCreatorClass::*subRenderFunction)() = nullptr;
+
+private:
+    template <bool Multicolor>
+    void calculate_pixel(int x, int y);
+    PF_Pixel* pixel_at(int x, int y) const noexcept
+    {
+        auto* const row = reinterpret_cast<unsigned char*>(pixels) + static_cast<std::ptrdiff_t>(y) * rowBytes;
+        return reinterpret_cast<PF_Pixel*>(row) + x;
+    }
+    float coverage(float edge, float row_offset, float dist) const noexcept;
+};

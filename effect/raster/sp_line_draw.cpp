@@ -1,0 +1,187 @@
+#include "effect/layout/sp_line.hpp"
+
+#include "effect/model/frame_data.hpp"
+#include "effect/model/matrix.hpp"
+#include "effect/model/numeric.hpp"
+#include "effect/raster/aeg.hpp"
+#include "effect/raster/blend.hpp"
+#include "effect/raster/stroke_point.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+// The line's alpha from its randomised opacity in percent: 100 is 255.
+A_u_char alpha_of(float opacity) noexcept
+{
+    const auto scaled = static_cast<float>(static_cast<double>(opacity) * 2.55);
+    const std::int16_t a = trunc_i16(static_cast<double>(scaled));
+    return static_cast<A_u_char>(std::clamp<std::int16_t>(a, 0, 255));
+}
+
+// Positions that stepping down from `first` visits before it reaches `last`; `limit` + 1 where they are more than
+// `limit`, or endless because the step is lost in rounding.
+std::uint64_t steps_between(float first, double last, float step, std::uint64_t limit) noexcept
+{
+    std::uint64_t steps = 0;
+    float c = first;
+    while (static_cast<double>(c) > last && steps <= limit)
+    {
+        const float next = c - step;
+        if (next == c)
+            return limit + 1;
+        c = next;
+        ++steps;
+    }
+    return steps;
+}
+
+// Carves the zero-filled sample array: the stated size, or more where the sampling needs it, and one zeroed slot
+// past the last sample. Null where it does not fit.
+StrokePoint* carve_samples(const frame_data& frame, int num_points, float first, double last) noexcept
+{
+    const std::uint64_t most = frame.pool->remaining / sizeof(StrokePoint);
+    const std::uint64_t needed = steps_between(first, last, frame.qualityStep, most) + 1;
+    if (needed > most)
+        return nullptr;
+    const double stated = static_cast<double>(num_points) * 16.0 / static_cast<double>(frame.qualityStep);
+    const std::int64_t stated_bytes = trunc_i64(stated);
+    return static_cast<StrokePoint*>(
+        pool_alloc(frame.pool, std::max(static_cast<std::uint64_t>(stated_bytes), needed * sizeof(StrokePoint))));
+}
+
+// Sets the radii of the square that is covered around every sample, less a margin for anti-aliasing, and of the
+// widest disc, with that margin.
+void set_radii(LineCreatorClass& creator, std::int32_t stressed_width, float width) noexcept
+{
+    constexpr double kSqrt2 = 1.4142135623730951;
+    const float stress = static_cast<float>(stressed_width) / 100.0f;
+    if (stressed_width < 0)
+    {
+        const float thinnest = (stress + 1.0f) * width;
+        creator.innerRadius = static_cast<float>(static_cast<double>(thinnest) / kSqrt2 - 1.5);
+        creator.outerRadius = static_cast<float>(static_cast<double>(width) + 1.5);
+    }
+    else
+    {
+        const float widest = (1.0f + stress) * width;
+        creator.innerRadius = static_cast<float>(static_cast<double>(width) / kSqrt2 - 1.5);
+        creator.outerRadius = static_cast<float>(static_cast<double>(widest) + 1.5);
+    }
+}
+
+// One run of samples, drawn and laid over the destination.
+void draw_piece(LineCreatorClass& creator, aeg* context, StrokePoint* samples, int count)
+{
+    creator.points = samples;
+    creator.pointCount = count;
+    // A stroke too thin for a solid core switches the rest of the render to the path without one.
+    if (creator.innerRadius < 1.0f)
+        creator.subRenderFunction = &LineCreatorClass::SubRenderMulticolor;
+    creator.Render();
+    context->flush();
+}
+
+// Cuts the samples where the line runs over the grid's far edge (`threshold`, canvas pixels) and draws the pieces,
+// the part beyond the edge moved back by `period`. The scan starts at the zeroed slot past the last sample.
+void draw_wrapped(LineCreatorClass& creator, aeg* context, StrokePoint* samples, int count, bool vertical,
+                  float threshold, float period)
+{
+    const auto main_of = [vertical](StrokePoint& p) -> float& { return vertical ? p.y : p.x; };
+    int slot = count;
+    for (;;)
+    {
+        const int end = slot;
+        while (slot > 0 && main_of(samples[slot]) < threshold)
+            --slot;
+        if (slot < end)
+            draw_piece(creator, context, samples + slot, end - slot);
+        if (slot == 0)
+            return;
+        const float before = main_of(samples[slot]);
+        for (int i = slot; i >= 0; --i)
+            main_of(samples[i]) -= period;
+        // A period that moves nothing would cut for ever.
+        if (!(main_of(samples[slot]) < before))
+            return;
+    }
+}
+} // namespace
+
+void sp_line::draw(Loom::RandomGenerator32& rng, aeg* context, float width)
+{
+    LineCreatorClass& creator = frame->lineCreator;
+
+    // Opacity: the only draw.
+    const A_u_char alpha = alpha_of(
+        rand_param(rng, static_cast<float>(frame->opacity), static_cast<float>(frame->opacityRandomness)));
+    frame->normalColor.alpha = alpha;
+    frame->stressedColor.alpha = alpha;
+    PF_Pixel working = {alpha, 0, 0, 0};
+    if (!has_points())
+        return;
+
+    // Onto the canvas; running positions now descend.
+    fpoint_t base =
+        vertical != 0 ? fpoint_t{static_cast<double>(base_x), 0.0} : fpoint_t{0.0, static_cast<double>(base_y)};
+    AEG_TransformPoints(&frame->layoutMatrix, 1, &base);
+    AEG_TransformPoints(&frame->layoutMatrix, num_points, points);
+    const double base_across = vertical != 0 ? base.x : base.y;
+    const double first_run = run(points[0]);
+    const double last_run = run(points[num_points - 1]);
+    if (!std::isfinite(first_run) || !std::isfinite(last_run))
+        return;
+
+    // The farthest that the line gets from its base.
+    float max_deviation = 0.0f;
+    for (int i = num_points - 1; i >= 0; --i)
+        max_deviation = std::max(max_deviation, std::fabs(static_cast<float>(across(points[i]) - base_across)));
+
+    // Sample it at a fixed step along the main axis.
+    const auto first = static_cast<float>(first_run);
+    StrokePoint* const samples = carve_samples(*frame, num_points, first, last_run);
+    if (samples == nullptr)
+        return;
+    int count = 0;
+    for (float c = first; static_cast<double>(c) > last_run; c -= frame->qualityStep)
+    {
+        float cross = 0.0f;
+        if (!value(points, num_points, c, &cross))
+            continue;
+        StrokePoint& sample = samples[count++];
+        sample.x = vertical != 0 ? cross : c;
+        sample.y = vertical != 0 ? c : cross;
+        const auto deviation = static_cast<float>(static_cast<double>(cross) - base_across);
+        const float stress =
+            std::fabs(deviation * width / max_deviation) * static_cast<float>(frame->stressedWidth);
+        sample.halfWidth = static_cast<float>(static_cast<double>(stress) / 100.0 + static_cast<double>(width));
+        if (!creator.monocolor)
+        {
+            blend_color(frame->normalColor, frame->stressedColor, low_i16(frame->normalShare),
+                        std::fabs(deviation), max_deviation, &working);
+            sample.color = working;
+        }
+    }
+    if (creator.monocolor)
+        samples[0].color =
+            frame->useDisplacement != 0 || frame->normalShare == 100 ? frame->normalColor : frame->stressedColor;
+    if (count == 0)
+        return; // the array stays carved until the frame ends
+
+    // Hand it over, whole or in pieces.
+    creator.axis = vertical != 0 ? 1 : 0;
+    set_radii(creator, frame->stressedWidth, width);
+    if (frame->lineWrapping != 0 && frame->linesHaveEnds != 0)
+    {
+        const std::int32_t margin = vertical != 0 ? frame->marginY : frame->marginX;
+        const std::int32_t period = vertical != 0 ? frame->height : frame->width;
+        draw_wrapped(creator, context, samples, count, vertical != 0,
+                     static_cast<float>(wrap_sub(frame->squareSize, margin)), static_cast<float>(period));
+    }
+    else
+    {
+        draw_piece(creator, context, samples, count);
+    }
+    pool_release(frame->pool, samples);
+}
