@@ -42,6 +42,7 @@ public:
     PF_EntryPoint entry() const;
 
 private:
+    friend struct plugin_access; // renders carry the effect's own global data
     struct state;
     std::unique_ptr<state> state_;
 };

@@ -1,0 +1,271 @@
+#include "host/render.hpp"
+
+#include "host/error.hpp"
+#include "param_record.hpp"
+#include "plugin_access.hpp"
+#include "session.hpp"
+#include "text.hpp"
+
+#include <chrono>
+#include <cstring>
+#include <limits>
+
+namespace host
+{
+namespace
+{
+constexpr int largest_side = 30000;
+
+int reduced(int size, int downsample)
+{
+    return (size + downsample - 1) / downsample;
+}
+
+void check_composition(const composition& comp)
+{
+    if (comp.width < 1 || comp.height < 1 || comp.width > largest_side || comp.height > largest_side)
+        throw error(text_line("a layer of ", comp.width, " by ", comp.height,
+                              " pixels cannot be rendered; give 1 to ", largest_side, " each way"));
+    if (comp.downsample < 1 || comp.downsample > 4)
+        throw error(text_line("a downsample factor of ", comp.downsample, " is not served; give 1 to 4"));
+    if (comp.time_scale == 0)
+        throw error("a time scale of 0 is no time; give the number of time units in a second");
+    if (comp.quality != PF_Quality_LO && comp.quality != PF_Quality_HI && comp.quality != PF_Quality_DRAWING_AUDIO)
+        throw error(text_line("a quality of ", comp.quality, " is not served; give 0 (low) or 1 (high)"));
+}
+
+void check_picture(const char* what, const void* pixels, int width, int height, int rowbytes,
+                   const composition& comp)
+{
+    if (!pixels || width != comp.picture_width() || height != comp.picture_height() || rowbytes < 4 * width)
+        throw error(text_line("the ", what, " picture is ", width, " by ", height, " pixels with rows of ",
+                              rowbytes, " bytes; it must be ", comp.picture_width(), " by ", comp.picture_height(),
+                              " with rows of at least ", 4 * comp.picture_width()));
+}
+
+void check_options(const render_options& options, const composition& comp)
+{
+    if (options.row_padding < 0 || options.row_padding % 4 != 0 || options.row_padding > (1 << 20))
+        throw error(text_line("a row padding of ", options.row_padding,
+                              " bytes is not served; give a multiple of 4 "
+                              "up to 1048576"));
+    if (!world_size_fits(comp.picture_width(), comp.picture_height(), options.row_padding))
+        throw error(text_line("a picture of ", comp.picture_width(), " by ", comp.picture_height(),
+                              " pixels is too large for an effect; make it smaller"));
+}
+
+// A time in units of 1/time_scale second must fit the record's signed 32 bits.
+A_long units(std::int64_t frames, std::int32_t time_step)
+{
+    const std::int64_t time = frames * time_step;
+    if (time < std::numeric_limits<A_long>::min() || time > std::numeric_limits<A_long>::max())
+        throw error(text_line("frame ", frames, " at ", time_step,
+                              " time units a frame lies past the last time that "
+                              "can be told; use a coarser time scale"));
+    return static_cast<A_long>(time);
+}
+
+pixel_block block_for(const composition& comp, const render_options& options)
+{
+    pixel_block block(comp.picture_width(), comp.picture_height(), options.row_padding, true);
+    if (!block.data())
+        throw error(text_line("out of memory for a picture of ", comp.picture_width(), " by ",
+                              comp.picture_height(), " pixels"));
+    return block;
+}
+
+void copy_rows(std::uint8_t* to, int to_rowbytes, const std::uint8_t* from, int from_rowbytes, int width,
+               int height)
+{
+    for (int y = 0; y < height; ++y)
+        std::memcpy(to + std::ptrdiff_t{to_rowbytes} * y, from + std::ptrdiff_t{from_rowbytes} * y,
+                    static_cast<std::size_t>(width) * 4);
+}
+
+// One frame's conversation, from sequence set-up to sequence set-down.
+class frame_render
+{
+public:
+    frame_render(const plugin& effect, const composition& comp, const param_tracks& values, std::int32_t frame,
+                 const_image_view input, const render_options& options)
+        : effect_(effect), comp_(comp), input_view_(input),
+          host_(options, &plugin_access::global_handles(effect)), values_{effect.params(), values, comp}
+    {
+        describe(frame);
+        make_pictures();
+        fill_params();
+    }
+
+    render_stats run()
+    {
+        PF_OutData out{};
+        render_stats stats;
+        stats.result = send(PF_Cmd_SEQUENCE_SETUP, out);
+        if (stats.result == PF_Err_NONE)
+        {
+            stats.result = send(PF_Cmd_FRAME_SETUP, out);
+            if (stats.result == PF_Err_NONE)
+            {
+                refuse_other_size(out);
+                stats.result = timed_render(out, stats);
+                keep_message(stats.result, out);
+                send(PF_Cmd_FRAME_SETDOWN, out);
+            }
+            else
+                keep_message(stats.result, out);
+            send(PF_Cmd_SEQUENCE_SETDOWN, out);
+        }
+        else
+            keep_message(stats.result, out);
+        finish(stats);
+        return stats;
+    }
+
+    void copy_output(image_view to) const
+    {
+        copy_rows(to.argb, to.rowbytes, reinterpret_cast<const std::uint8_t*>(output_.data), output_.rowbytes,
+                  to.width, to.height);
+    }
+
+private:
+    void describe(std::int32_t frame)
+    {
+        PF_InData& in = host_.in_data;
+        in.quality = comp_.quality;
+        in.num_params = static_cast<A_long>(effect_.params().size());
+        in.current_time = units(frame, comp_.time_step);
+        in.time_step = in.local_time_step = comp_.time_step;
+        in.total_time = units(comp_.total_frames, comp_.time_step);
+        in.time_scale = comp_.time_scale;
+        in.width = comp_.width;
+        in.height = comp_.height;
+        in.extent_hint = {0, 0, comp_.picture_width(), comp_.picture_height()};
+        in.downsample_x = in.downsample_y = {1, static_cast<A_u_long>(comp_.downsample)};
+        in.global_data = plugin_access::global_data(effect_);
+    }
+
+    void make_pictures()
+    {
+        values_.input = host_.worlds.adopt("input", block_for(comp_, host_.options));
+        output_ = host_.worlds.adopt("output", block_for(comp_, host_.options));
+        copy_rows(reinterpret_cast<std::uint8_t*>(values_.input.data), values_.input.rowbytes, input_view_.argb,
+                  input_view_.rowbytes, input_view_.width, input_view_.height);
+        values_.input.world_flags = 0; // an effect reads its input, it does not write it
+        host_.frame = &values_;
+    }
+
+    void fill_params()
+    {
+        const double seconds = static_cast<double>(host_.in_data.current_time) / comp_.time_scale;
+        for (const param_info& info : effect_.params())
+            records_.push_back(
+                param_record_at(info, values_.values.of(info.index), comp_, values_.input, seconds));
+        for (PF_ParamDef& record : records_)
+            params_.push_back(&record);
+    }
+
+    PF_Err send(PF_Cmd command, PF_OutData& out)
+    {
+        return host_.send(effect_.entry(), effect_.name(), command, out, params_.data(), &output_);
+    }
+
+    PF_Err timed_render(PF_OutData& out, render_stats& stats)
+    {
+        if (!host_.trace.timed())
+            return send(PF_Cmd_RENDER, out);
+        const double before = host_.trace.host_seconds();
+        const auto start = std::chrono::steady_clock::now();
+        const PF_Err answer = send(PF_Cmd_RENDER, out);
+        stats.total_seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        stats.host_seconds = host_.trace.host_seconds() - before;
+        return answer;
+    }
+
+    // Frame set-up may ask for an output of another size than the layer's; this host has only the layer's.
+    void refuse_other_size(const PF_OutData& out) const
+    {
+        const bool none_asked = out.width == 0 && out.height == 0;
+        if (!none_asked && (out.width != output_.width || out.height != output_.height))
+            throw error(text_line(effect_.name(), ": the effect asks for an output of ", out.width, " by ",
+                                  out.height, " pixels; only the layer's own size is served"));
+    }
+
+    void keep_message(PF_Err answer, const PF_OutData& out)
+    {
+        if (answer != PF_Err_NONE)
+            refusal_ = text_line(effect_.name(), ": the effect's render ended with error ", error_text(answer),
+                                 return_text(out));
+    }
+
+    void finish(render_stats& stats)
+    {
+        stats.handle_bytes = host_.largest_handle;
+        if (host_.found.checked())
+        {
+            host_.worlds.check_all();
+            host_.handles.check_all(host_.found);
+            host_.checkouts.check_all(host_.found);
+            check_input();
+        }
+        if (host_.trace.kept_exception())
+            std::rethrow_exception(host_.trace.kept_exception());
+        const auto& texts = host_.found.texts();
+        if (!texts.empty())
+            throw error(text_line(effect_.name(), ": ", texts.front(),
+                                  texts.size() > 1 ? text_line(" (and ", texts.size() - 1, " more)") : ""));
+        if (!refusal_.empty() && !host_.options.fail)
+            throw error(refusal_);
+    }
+
+    void check_input()
+    {
+        const auto width = static_cast<std::size_t>(input_view_.width) * 4;
+        for (int y = 0; y < input_view_.height; ++y)
+        {
+            const char* now =
+                reinterpret_cast<const char*>(values_.input.data) + std::ptrdiff_t{values_.input.rowbytes} * y;
+            if (std::memcmp(now, input_view_.argb + std::ptrdiff_t{input_view_.rowbytes} * y, width) != 0)
+                return host_.found.add(text_line("the input layer was written to, first in row ", y));
+        }
+    }
+
+    const plugin& effect_;
+    const composition& comp_;
+    const_image_view input_view_;
+    session host_;
+    frame_values values_;
+    PF_LayerDef output_{};
+    std::vector<PF_ParamDef> records_;
+    std::vector<PF_ParamDef*> params_;
+    std::string refusal_;
+};
+} // namespace
+
+int composition::picture_width() const
+{
+    return reduced(width, downsample);
+}
+
+int composition::picture_height() const
+{
+    return reduced(height, downsample);
+}
+
+render_stats render_frame(const plugin& effect, const composition& comp, const param_tracks& values,
+                          std::int32_t frame, const_image_view input, image_view output,
+                          const render_options& options)
+{
+    check_composition(comp);
+    check_picture("input", input.argb, input.width, input.height, input.rowbytes, comp);
+    check_picture("output", output.argb, output.width, output.height, output.rowbytes, comp);
+    check_options(options, comp);
+    if (values.count() != static_cast<int>(effect.params().size()))
+        throw error(text_line("values for ", values.count(), " parameters do not fit the ", effect.params().size(),
+                              " of ", effect.name()));
+
+    frame_render render(effect, comp, values, frame, input, options);
+    const render_stats stats = render.run();
+    render.copy_output(output);
+    return stats;
+}
+} // namespace host
