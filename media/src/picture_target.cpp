@@ -1,0 +1,62 @@
+#include "av.hpp"
+#include "media/sequence_name.hpp"
+#include "pending_file.hpp"
+#include "still_encoder.hpp"
+#include "target.hpp"
+
+namespace media
+{
+namespace
+{
+class picture_target : public writer::target
+{
+public:
+    picture_target(const std::filesystem::path& output, const output_format& format, const write_options& options)
+        : output_(output), encoder_(format.encoder), options_(options), next_(options.first)
+    {
+        av::quiet();
+        if (format.kind == output_kind::sequence)
+            pattern_ = sequence_name::parse(output);
+        for (std::int32_t i = 0; i < options.count; ++i)
+            require_free_name(file_of(options.first + i), options.overwrite);
+        // Whether the folder may be written to shows now, not after the first frame.
+        pending_file trial(file_of(options.first), options.overwrite);
+    }
+
+    void write(const_image_view frame) override
+    {
+        const std::filesystem::path file = file_of(next_);
+        if (frame.width != options_.width || frame.height != options_.height)
+            throw error(file.string() + ": a frame has another size than announced");
+        if (!pattern_ && next_ != options_.first)
+            throw error(file.string() + ": one picture cannot hold several frames");
+        const av::owner<AVPacket> bytes = encode_still(encoder_, frame, file.string());
+        pending_file made(file, options_.overwrite);
+        made.write(bytes->data, static_cast<std::size_t>(bytes->size));
+        made.commit();
+        ++next_;
+    }
+
+    void finish() override
+    {
+        if (next_ == options_.first)
+            throw error(output_.string() + ": there was no frame to write");
+    }
+
+private:
+    std::filesystem::path file_of(std::int32_t frame) const { return pattern_ ? pattern_->file(frame) : output_; }
+
+    std::filesystem::path output_;
+    std::string encoder_;
+    write_options options_;
+    std::optional<sequence_name> pattern_;
+    std::int32_t next_;
+};
+} // namespace
+
+std::unique_ptr<writer::target> make_picture_target(const std::filesystem::path& output,
+                                                    const output_format& format, const write_options& options)
+{
+    return std::make_unique<picture_target>(output, format, options);
+}
+} // namespace media

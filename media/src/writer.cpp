@@ -1,0 +1,54 @@
+#include "media/writer.hpp"
+
+#include "media/error.hpp"
+#include "target.hpp"
+
+namespace media
+{
+namespace
+{
+std::string size_text(int width, int height)
+{
+    return std::to_string(width) + "x" + std::to_string(height);
+}
+
+// "out.png" -> "out_%04d.png"
+std::string as_sequence(const std::filesystem::path& output)
+{
+    const std::string file = output.stem().string() + "_%04d" + output.extension().string();
+    return (output.parent_path() / file).string();
+}
+} // namespace
+
+writer::writer(const std::filesystem::path& output, const write_options& options)
+{
+    const output_format format = format_of(output, options.codec);
+    if (options.width < 1 || options.height < 1)
+        throw error(output.string() + ": a picture of " + size_text(options.width, options.height) +
+                    " cannot be written");
+    if (format.kind == output_kind::still && options.count > 1)
+        throw error(output.string() + ": one picture cannot hold " + std::to_string(options.count) +
+                    " frames; name the output " + as_sequence(output) + " for a file a frame");
+    target_ = format.kind == output_kind::clip ? make_clip_target(output, format, options)
+                                               : make_picture_target(output, format, options);
+}
+
+writer::~writer() = default;
+writer::writer(writer&&) noexcept = default;
+writer& writer::operator=(writer&&) noexcept = default;
+
+void writer::write(const_image_view frame)
+{
+    target_->write(frame);
+}
+
+void writer::finish()
+{
+    target_->finish();
+}
+
+const std::vector<std::string>& writer::notes() const
+{
+    return target_->notes;
+}
+} // namespace media
