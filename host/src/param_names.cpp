@@ -104,6 +104,7 @@ std::vector<std::string> nearest_labels(const std::vector<param_info>& params, c
 [[noreturn]] void refuse_ambiguous(std::string_view name, const std::vector<const param_info*>& found)
 {
     std::vector<std::string> indices;
+    indices.reserve(found.size());
     for (const param_info* info : found)
     {
         indices.push_back(std::to_string(info->index));

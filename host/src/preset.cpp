@@ -21,7 +21,7 @@ namespace
 {
 using nlohmann::json;
 
-constexpr std::size_t largest_file = 1024 * 1024;
+constexpr std::size_t largest_file = std::size_t{1024} * 1024;
 constexpr int deepest_nesting = 32;
 // Far beyond any clip (68 years), near enough that arithmetic on times stays exact to well below a frame.
 constexpr double latest_second = 2147483647.0;
