@@ -35,12 +35,12 @@ struct param_info
 {
     int index = 0;
     param_kind kind = param_kind::unknown;
-    std::string name;    // as registered; empty for checkboxes
-    std::string label;   // what a person sees: the name, or a checkbox's own label
-    std::string topic;   // the enclosing group's label; empty outside any group
+    std::string name;  // as registered; empty for checkboxes
+    std::string label; // what a person sees: the name, or a checkbox's own label
+    std::string topic; // the enclosing group's label; empty outside any group
     bool animatable = false;
     bool percent = false; // shown as a percentage: a value of 1.0 reads "100%"
-    double minimum = 0.0; // valid range in the value's own unit; meaningless for colours, points, angles, checkboxes
+    double minimum = 0.0; // valid range in the value's own unit; for sliders and popups alone
     double maximum = 0.0;
     std::vector<std::string> choices; // of a popup; choice i is value i + 1
     PF_ParamDef definition{};
@@ -86,8 +86,8 @@ struct track
     std::vector<keyframe> keys;
     interpolation between = interpolation::linear;
 
-    // The value at a time in seconds; numbers are interpolated in double, colours per channel and rounded to nearest.
-    // Whole-number kinds are rounded to nearest when they are handed to the effect, not here.
+    // The value at a time in seconds; numbers are interpolated in double, colours per channel and rounded to
+    // nearest. Whole-number kinds are rounded to nearest when they are handed to the effect, not here.
     param_value at(double seconds) const;
 };
 

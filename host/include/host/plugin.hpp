@@ -1,6 +1,7 @@
 #pragma once
-// A PF effect loaded from its file. Loading runs the file's code: global set-up and parameter set-up are sent once,
-// global set-down when the plug-in is let go. A loaded plug-in is immutable and may render on several threads.
+// A PF effect loaded from its file. Loading runs the file's code: global set-up and parameter set-up are sent
+// once, global set-down when the plug-in is let go. A loaded plug-in is immutable and may render on several
+// threads.
 
 #include "host/parameters.hpp"
 

@@ -3,11 +3,12 @@
 //
 //   { "description": "...",
 //     "values": {
-//       "Rows": 12, "Blend Amount": "50%", "Normal Color": "#ff8800", "Affect": "Horz Lines", "Line Wrapping": true,
-//       "Position": "50%,50%",
+//       "Rows": 12, "Blend Amount": "50%", "Normal Color": "#ff8800", "Affect": "Horz Lines",
+//       "Line Wrapping": true, "Position": "50%,50%",
 //       "Rotation": {"keys": [[0, 0], ["2s", 360]], "interpolation": "linear"} } }
 //
 // A bare object of values (without "values") is read the same way. A key's time is a frame number or "<seconds>s".
+// At most 1 MiB, nested at most 32 deep.
 
 #include "host/parameters.hpp"
 #include "host/render.hpp"
@@ -24,10 +25,10 @@ struct preset
     std::string description; // one line; may be empty
 };
 
-// Reads a preset and sets its values on `values`; what it does not name is left alone. `frames` gives the frame rate
-// for key times. All or nothing: on an error `values` is unchanged. Throws host::error naming the file, the line or
-// the parameter, and the remedy: unreadable file, malformed JSON, unknown or duplicate names, wrong types, values out
-// of range, keys out of order, keyframes on a parameter that cannot be animated, nesting too deep.
+// Reads a preset and sets its values on `values`; what it does not name is left alone. `frames` gives the frame
+// rate for key times. All or nothing: on an error `values` is unchanged. Throws host::error naming the file, the
+// line or the parameter, and the remedy: unreadable file, malformed JSON, unknown or duplicate names, wrong types,
+// values out of range, keys out of order, keyframes on a parameter that cannot be animated, nesting too deep.
 preset load_preset(const std::filesystem::path& file, const std::vector<param_info>& params,
                    const composition& frames, param_tracks& values);
 preset read_preset(std::string_view json, const std::string& name_for_messages,

@@ -1,6 +1,6 @@
 #pragma once
-// One frame through an effect. The host serves every callback on the calling thread; several frames may be rendered
-// at once from several threads, each with its own call.
+// One frame through an effect. The host serves every callback on the calling thread; several frames may be
+// rendered at once from several threads, each with its own call.
 
 #include "host/image.hpp"
 #include "host/parameters.hpp"
@@ -50,15 +50,15 @@ struct render_options
 
 struct render_stats
 {
-    PF_Err result = PF_Err_NONE; // the effect's own answer
-    double total_seconds = 0.0;  // the whole render command; 0 unless timed
-    double host_seconds = 0.0;   // of which inside host callbacks
+    PF_Err result = PF_Err_NONE;    // the effect's own answer
+    double total_seconds = 0.0;     // the whole render command; 0 unless timed
+    double host_seconds = 0.0;      // of which inside host callbacks
     std::uint64_t handle_bytes = 0; // the largest handle the effect asked for
 };
 
-// Renders frame `frame` (any integer). `input` must be picture_width by picture_height; `output` the same size, and
-// is overwritten whole. The input is not changed. Throws host::error where sizes do not match, where the effect's
-// answer is an error (unless `fail` is set) or, in checked mode, on a violation.
+// Renders frame `frame` (any integer). `input` must be picture_width by picture_height; `output` the same size,
+// and is overwritten whole. The input is not changed. Throws host::error where sizes do not match, where the
+// effect's answer is an error (unless `fail` is set) or, in checked mode, on a violation.
 render_stats render_frame(const plugin& effect, const composition& comp, const param_tracks& values,
                           std::int32_t frame, const_image_view input, image_view output,
                           const render_options& options = {});
