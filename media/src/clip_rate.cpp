@@ -1,5 +1,6 @@
 #include "clip_rate.hpp"
 
+#include <climits>
 #include <cmath>
 
 namespace media
@@ -22,12 +23,23 @@ rational standard_rate(double average)
             best = rate;
     return best;
 }
+AVRational average_rate(const AVStream* stream)
+{
+    if (stream->avg_frame_rate.num > 0 && stream->avg_frame_rate.den > 0)
+        return stream->avg_frame_rate;
+    // Of very short clips libav makes no average, though the container tells all that it takes.
+    AVRational average{0, 1};
+    if (stream->nb_frames > 0 && stream->duration > 0)
+        av_reduce(&average.num, &average.den, stream->nb_frames * stream->time_base.den,
+                  stream->duration * stream->time_base.num, INT_MAX);
+    return average;
+}
 } // namespace
 
 rational clip_rate(const AVStream* stream)
 {
     const AVRational fitting = stream->r_frame_rate;
-    const AVRational average = stream->avg_frame_rate;
+    const AVRational average = average_rate(stream);
     const bool fits = fitting.num > 0 && fitting.den > 0;
     const bool averaged = average.num > 0 && average.den > 0;
     if (!fits && !averaged)

@@ -64,7 +64,7 @@ public:
             return false;
         if (time < time_of(*current_) || time - time_of(*current_) > seek_distance())
             seek(time);
-        while (have_following_ && time_of(*following_) <= time)
+        while (have_following_ && time_of(*following_) <= time + slack())
             step();
         if (!have_following_)
             require_complete();
@@ -87,6 +87,9 @@ private:
     {
         return av_rescale_q_rnd(frame, AVRational{info.rate.den, info.rate.num}, time_base(), AV_ROUND_NEAR_INF);
     }
+
+    // The same for times that were once rounded to milliseconds and now stand in finer ticks: half of one.
+    std::int64_t slack() const { return av_rescale_q_rnd(1, AVRational{1, 2000}, time_base(), AV_ROUND_DOWN); }
 
     std::int64_t time_of(const AVFrame& frame) const
     {

@@ -130,6 +130,9 @@ private:
             quality.set("crf", "16");
         if (codec->id == AV_CODEC_ID_PRORES)
             quality.set("profile", "4444");
+        // Cropping to what has changed loses everything in a picture of one row.
+        if (codec->id == AV_CODEC_ID_GIF && height == 1)
+            quality.set("gifflags", "0");
         check(avcodec_open2(encoder_.get(), codec, quality.get()));
         check(avcodec_parameters_from_context(stream_->codecpar, encoder_.get()));
         stream_->time_base = encoder_->time_base;

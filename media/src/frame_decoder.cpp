@@ -1,6 +1,7 @@
 #include "frame_decoder.hpp"
 
 #include <algorithm>
+#include <string_view>
 #include <thread>
 
 namespace media
@@ -9,6 +10,17 @@ namespace
 {
 // Larger pictures are refused before libav takes memory for them.
 constexpr std::int64_t most_pixels = std::int64_t{1} << 28;
+
+// libav fills up a JPEG that is cut off near its end; the end marker (FF D9) after the last scan's beginning (FF
+// DA) tells that it is whole.
+bool lacks_jpeg_end(const AVPacket& packet)
+{
+    const std::string_view bytes(reinterpret_cast<const char*>(packet.data),
+                                 static_cast<std::size_t>(packet.size));
+    const std::size_t scan = bytes.rfind("\xFF\xDA");
+    const std::size_t end = bytes.rfind("\xFF\xD9");
+    return end == std::string_view::npos || (scan != std::string_view::npos && end < scan);
+}
 } // namespace
 
 frame_decoder::frame_decoder(const std::filesystem::path& path)
@@ -32,7 +44,9 @@ frame_decoder::frame_decoder(const std::filesystem::path& path)
     if (file_.is_picture())
     {
         decoder_->thread_count = 1;
-        decoder_->err_recognition |= AV_EF_CRCCHECK | AV_EF_EXPLODE;
+        // Strict, but for TIFF, whose decoder then refuses every tag that it does not know.
+        if (codec->id != AV_CODEC_ID_TIFF)
+            decoder_->err_recognition |= AV_EF_CRCCHECK | AV_EF_EXPLODE;
     }
     if (code >= 0)
         code = avcodec_open2(decoder_.get(), codec, nullptr);
@@ -61,7 +75,7 @@ const AVFrame* frame_decoder::next()
 }
 
 // Hands the decoder one packet, or word that there are no more.
-bool frame_decoder::feed()
+void frame_decoder::feed()
 {
     int code = 0;
     do
@@ -71,15 +85,19 @@ bool frame_decoder::feed()
     } while (code >= 0 && packet_->stream_index != stream_->index);
 
     if (code == AVERROR_EOF)
-        return avcodec_send_packet(decoder_.get(), nullptr) >= 0;
+    {
+        avcodec_send_packet(decoder_.get(), nullptr);
+        return;
+    }
     if (code < 0)
         damaged(av::reason(code));
     if ((packet_->flags & AV_PKT_FLAG_CORRUPT) != 0)
         damaged("cut off in picture " + std::to_string(decoded_));
+    if (file_.is_picture() && codec() == AV_CODEC_ID_MJPEG && lacks_jpeg_end(*packet_))
+        damaged("the end is missing");
     code = avcodec_send_packet(decoder_.get(), packet_.get());
     if (code < 0)
         damaged(av::reason(code));
-    return true;
 }
 
 bool frame_decoder::seek(std::int64_t time)

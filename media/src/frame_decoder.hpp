@@ -25,7 +25,7 @@ public:
     AVCodecID codec() const { return stream_->codecpar->codec_id; }
 
 private:
-    bool feed();
+    void feed();
     [[noreturn]] void damaged(const std::string& why) const;
 
     input_file file_;

@@ -1,6 +1,7 @@
 #include "input_file.hpp"
 
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <fcntl.h>
 #include <new>
@@ -103,6 +104,10 @@ void input_file::open_format()
     format_->flags |= AVFMT_FLAG_CUSTOM_IO;
     av::options options;
     options.set("protocol_whitelist", "none");
+    // A picture is one packet, however large: some kinds would otherwise arrive in pieces of 4096 bytes.
+    struct stat status = {};
+    if (::fstat(descriptor_, &status) == 0 && status.st_size <= INT_MAX)
+        options.set("frame_size", std::to_string(status.st_size).c_str());
     if (avformat_open_input(&format_, nullptr, nullptr, options.get()) < 0)
         throw error(name_ + ": holds no picture or clip that can be read (damaged, cut off, or of another kind)");
     if (const int code = avformat_find_stream_info(format_, nullptr); code < 0)

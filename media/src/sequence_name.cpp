@@ -35,12 +35,15 @@ std::optional<sequence_name> sequence_name::parse(const std::filesystem::path& p
     pattern.before_ = match.prefix();
     pattern.after_ = match.suffix();
     const std::string found = match.str();
+    int width = 0;
     if (found[0] == '#')
-        pattern.width_ = static_cast<int>(std::min<std::size_t>(found.size(), widest_number + 1));
-    else if (match[1].matched)
-        std::from_chars(found.data() + 1, found.data() + found.size() - 1, pattern.width_);
-    if (pattern.width_ > widest_number)
+        width = static_cast<int>(std::min<std::size_t>(found.size(), widest_number + 1));
+    else if (match[1].matched &&
+             std::from_chars(found.data() + 1, found.data() + found.size(), width).ec != std::errc())
+        width = widest_number + 1;
+    if (width > widest_number)
         throw error(path.string() + ": the frame number may have up to 9 digits, as in frame_%04d.png");
+    pattern.width_ = width;
     if (std::regex_search(pattern.after_, number))
         throw error(path.string() + ": more than one place for the frame number; keep one, as in frame_%04d.png");
     return pattern;

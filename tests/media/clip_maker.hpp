@@ -1,0 +1,49 @@
+#pragma once
+// Clips that the media library itself does not make: frames of unequal length, and sound.
+
+#include "media/image.hpp"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace media_test
+{
+struct timed_frame
+{
+    std::int64_t time = 0; // in units of the clip's time base
+    media::picture picture;
+};
+
+struct clip_recipe
+{
+    std::vector<timed_frame> frames;
+    int time_base_den = 10;    // units per second
+    std::string muxer = "mov"; // the video is run-length coded, without loss
+    std::string audio_encoder; // empty: no sound; "aac" or "pcm_s16le", 48 kHz, one channel
+    double audio_seconds = 0.0;
+};
+
+void make_clip(const std::filesystem::path& file, const clip_recipe& recipe);
+
+struct audio_packet
+{
+    double seconds = 0.0;
+    double duration = 0.0;
+    std::string bytes;
+};
+
+// The packets of the first audio stream as they stand in the file; empty where there is none.
+std::vector<audio_packet> audio_packets(const std::filesystem::path& file);
+
+struct clip_tags
+{
+    std::string pixel_format;
+    std::string matrix;
+    std::string range;
+    int frames = 0; // as the container says
+};
+
+clip_tags tags_of(const std::filesystem::path& file);
+} // namespace media_test
