@@ -86,7 +86,7 @@ sp_line::sp_line(frame_data* frame_, unsigned char vertical_, const curve_pt_t& 
 sp_line::sp_line(frame_data* frame_, unsigned char vertical_, const fpoint_t& a, const fpoint_t& b)
     : sp_line(frame_, vertical_)
 {
-    max_points = trunc_i32(static_cast<double>(static_cast<float>(frame->squareSize) / frame->qualityStep));
+    max_points = trunc_i64(static_cast<double>(static_cast<float>(frame->squareSize) / frame->qualityStep));
     fixed_points = 1;
     set_base(a.x, a.y);
     if (max_points >= 2)

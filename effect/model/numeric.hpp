@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 
 // Toward zero; what does not fit 32 bits, and NaN, is the 32-bit minimum. (A float widens to double exactly.)
 constexpr std::int32_t trunc_i32(double v) noexcept
@@ -31,6 +32,14 @@ constexpr std::int64_t trunc_i64(double v) noexcept
     if (v >= -9223372036854775808.0 && v < 9223372036854775808.0)
         return static_cast<std::int64_t>(v);
     return std::numeric_limits<std::int64_t>::min();
+}
+
+// Toward zero; nothing for what is negative, does not fit 64 bits, or is no number.
+constexpr std::optional<std::uint64_t> trunc_u64(double v) noexcept
+{
+    if (v >= 0.0 && v < 18446744073709551616.0)
+        return static_cast<std::uint64_t>(v);
+    return std::nullopt;
 }
 
 // 32-bit sums, differences, products and left shifts that wrap around.

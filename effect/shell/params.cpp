@@ -1,5 +1,6 @@
 #include "effect/shell/params.hpp"
 
+#include "effect/model/numeric.hpp"
 #include "effect/shell/param_ids.hpp"
 
 #include <cstring>
@@ -57,7 +58,7 @@ constexpr param_row percent(param_id id, const char* name, double value)
             .type = PF_Param_FIX_SLIDER,
             .name = name,
             .flags = kAnimatable,
-            .value = static_cast<A_long>(value * kOne)};
+            .value = trunc_i32(value * kOne)};
 }
 
 constexpr param_row number(param_id id, const char* name, float value, float minimum, float maximum)

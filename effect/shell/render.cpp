@@ -31,10 +31,7 @@ std::optional<std::uint64_t> pool_size(const PF_InData* in_data, PF_ParamDef** p
     const double stated = static_cast<double>(side * side) + ripples;
     constexpr double kMebibyte = 1048576.0;
     const double size = ansi.ceil((stated + kMebibyte) * (1.0 / kMebibyte)) * kMebibyte;
-    constexpr double kTooMuch = 18446744073709551616.0; // 2^64
-    if (!(size >= 0.0 && size < kTooMuch))
-        return std::nullopt;
-    return static_cast<std::uint64_t>(size);
+    return trunc_u64(size);
 }
 
 PF_Err Render(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef** params, PF_LayerDef* output)
