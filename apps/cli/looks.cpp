@@ -1,0 +1,63 @@
+#include "looks.hpp"
+
+#include "host/error.hpp"
+#include "host/plugin.hpp"
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <system_error>
+
+namespace cli
+{
+std::vector<std::filesystem::path> look_folders()
+{
+    const std::filesystem::path binary_folder = host::plugin_beside_binary().parent_path();
+    std::vector<std::filesystem::path> candidates;
+    if (const char* own = std::getenv("FILIGRANE_PRESETS"); own != nullptr && *own != '\0')
+        candidates.emplace_back(own);
+    candidates.push_back(binary_folder / "presets");
+    candidates.push_back(binary_folder.parent_path() / "share" / "filigrane" / "presets");
+    candidates.emplace_back(FILIGRANE_SOURCE_PRESETS);
+    std::erase_if(candidates,
+                  [](const std::filesystem::path& folder)
+                  {
+                      std::error_code ignored;
+                      return !std::filesystem::is_directory(folder, ignored);
+                  });
+    return candidates;
+}
+
+std::vector<std::filesystem::path> all_looks()
+{
+    std::map<std::string, std::filesystem::path> by_name;
+    for (const std::filesystem::path& folder : look_folders())
+    {
+        std::error_code failed;
+        for (const auto& entry : std::filesystem::directory_iterator(folder, failed))
+            if (entry.path().extension() == ".json")
+                by_name.try_emplace(entry.path().stem().string(), entry.path());
+    }
+    std::vector<std::filesystem::path> files;
+    for (const auto& [name, file] : by_name)
+        files.push_back(file);
+    return files;
+}
+
+std::filesystem::path find_look(const std::string& name_or_file)
+{
+    const std::filesystem::path file = name_or_file;
+    if (file.has_parent_path() || file.extension() == ".json")
+        return file;
+    std::string names;
+    for (const std::filesystem::path& look : all_looks())
+    {
+        if (look.stem() == name_or_file)
+            return look;
+        names += (names.empty() ? "" : ", ") + look.stem().string();
+    }
+    throw host::error("no preset is called \"" + name_or_file + "\"; " +
+                      (names.empty() ? "none is installed" : "there are " + names) +
+                      ", or give the path of a .json file");
+}
+} // namespace cli

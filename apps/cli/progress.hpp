@@ -1,0 +1,36 @@
+#pragma once
+// How far a render is, on standard error: a bar where a person looks on, otherwise a line now and then.
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace cli
+{
+class progress
+{
+public:
+    // `total`: frames to come, where known. Shows nothing when `quiet`.
+    progress(std::optional<std::int32_t> total, bool quiet);
+    ~progress();
+    progress(const progress&) = delete;
+    progress& operator=(const progress&) = delete;
+
+    void frame_done();
+    // Takes the bar away, so that other lines can follow.
+    void clear();
+    double seconds() const;
+
+private:
+    std::string text() const;
+
+    std::optional<std::int32_t> total_;
+    bool quiet_;
+    bool terminal_;
+    bool drawn_ = false;
+    std::int32_t done_ = 0;
+    std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
+    std::chrono::steady_clock::time_point shown_ = begun_;
+};
+} // namespace cli

@@ -1,0 +1,82 @@
+#include "render_command.hpp"
+
+#include "arguments.hpp"
+#include "render_loop.hpp"
+#include "stop_signal.hpp"
+#include "usage_error.hpp"
+
+#include "media/error.hpp"
+
+#include <cstdio>
+#include <iostream>
+
+namespace cli
+{
+namespace
+{
+void print_notes(const std::vector<std::string>& notes, bool quiet)
+{
+    for (const std::string& note : notes)
+        if (!quiet)
+            std::cerr << "filigrane: note: " << note << '\n';
+}
+
+std::string frames_text(std::int32_t count)
+{
+    return std::to_string(count) + (count == 1 ? " frame" : " frames");
+}
+
+void print_summary(const render_request& request, const render_plan& plan, std::int32_t count, double seconds)
+{
+    char took[32];
+    std::snprintf(took, sizeof took, "%.1f s", seconds);
+    std::cerr << "filigrane: " << request.output << ": " << frames_text(count) << ", " << plan.writing.width << 'x'
+              << plan.writing.height << ", " << rate_text(plan.writing.rate) << " fps, in " << took << '\n';
+}
+
+void print_timing(const time_spent& spent, std::int32_t count)
+{
+    std::printf("ms per frame: effect %.2f, host %.2f, input %.2f, output %.2f (%s)\n", spent.effect / count,
+                spent.host / count, spent.input / count, spent.output / count, frames_text(count).c_str());
+}
+
+int report_stop(const render_request& request, bool sequence, std::int32_t count)
+{
+    std::cerr << "filigrane: stopped; "
+              << (sequence ? frames_text(count) + " written" : request.output + " was not written") << '\n';
+    return exit_stopped;
+}
+} // namespace
+
+int run_render(const render_request& request, const host::plugin& effect)
+{
+    watch_stop_signals();
+    render_plan plan = prepare_render(request, effect);
+    media::writer output(request.output, plan.writing);
+    print_notes(plan.notes, request.quiet);
+    print_notes(output.notes(), request.quiet);
+
+    std::optional<std::int32_t> total;
+    if (plan.length_known)
+        total = plan.range.last - plan.range.first + 1;
+    progress shown(total, request.quiet);
+    time_spent spent;
+    const std::int32_t count = request.timing ? render_all_timed(plan, effect, output, shown, spent)
+                                              : render_all(plan, effect, output, shown);
+    shown.clear();
+    if (stop_requested())
+        return report_stop(
+            request, media::format_of(request.output, plan.writing.codec).kind == media::output_kind::sequence,
+            count);
+    if (count == 0)
+        throw media::error(*request.input + ": ends before frame " + std::to_string(plan.range.first));
+    output.finish();
+    if (total && count < *total)
+        print_notes({*request.input + " ended after " + frames_text(count)}, request.quiet);
+    if (!request.quiet)
+        print_summary(request, plan, count, shown.seconds());
+    if (request.timing)
+        print_timing(spent, count);
+    return exit_done;
+}
+} // namespace cli

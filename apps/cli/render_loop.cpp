@@ -1,0 +1,146 @@
+#include "render_loop.hpp"
+
+#include "stop_signal.hpp"
+
+#include <cstring>
+
+namespace cli
+{
+namespace
+{
+media::image_view as_media(host::image_view view)
+{
+    return {view.argb, view.width, view.height, view.rowbytes};
+}
+
+media::const_image_view as_media(host::const_image_view view)
+{
+    return {view.argb, view.width, view.height, view.rowbytes};
+}
+
+host::image_view as_host(media::image_view view)
+{
+    return {view.argb, view.width, view.height, view.rowbytes};
+}
+
+// The input's frames at the size that is drawn.
+class frame_feed
+{
+public:
+    explicit frame_feed(render_plan& plan) : plan_(plan)
+    {
+        if (plan.input && plan.comp.downsample > 1)
+            full_ = media::picture(plan.comp.width, plan.comp.height);
+    }
+
+    bool fill(std::int32_t frame, host::image_view into)
+    {
+        const media::image_view drawn = as_media(into);
+        if (!plan_.input)
+        {
+            for (int y = 0; y < drawn.height; ++y)
+                std::memset(drawn.row(y), 0, 4 * static_cast<std::size_t>(drawn.width));
+            return true;
+        }
+        if (plan_.comp.downsample == 1)
+            return plan_.input->read(frame, drawn);
+        if (!plan_.input->read(frame, full_.view()))
+            return false;
+        media::box_average(full_.view(), plan_.comp.downsample, drawn);
+        return true;
+    }
+
+private:
+    render_plan& plan_;
+    media::picture full_;
+};
+
+// Finished frames over their background into the output.
+class frame_drain
+{
+public:
+    frame_drain(const render_plan& plan, media::writer& output, progress& shown)
+        : plan_(plan), output_(output), shown_(shown), laid_(plan.comp.picture_width(), plan.comp.picture_height())
+    {
+    }
+
+    void take(host::const_image_view frame)
+    {
+        if (plan_.under.fill == media::background::pattern::transparent)
+        {
+            output_.write(as_media(frame));
+        }
+        else
+        {
+            media::box_average(as_media(frame), 1, laid_.view());
+            media::lay_over(plan_.under, laid_.view());
+            output_.write(laid_.view());
+        }
+        shown_.frame_done();
+    }
+
+private:
+    const render_plan& plan_;
+    media::writer& output_;
+    progress& shown_;
+    media::picture laid_;
+};
+
+class stopwatch
+{
+public:
+    // Milliseconds since the last call, or since it was made.
+    double lap()
+    {
+        const auto now = std::chrono::steady_clock::now();
+        const std::chrono::duration<double, std::milli> passed = now - last_;
+        last_ = now;
+        return passed.count();
+    }
+
+private:
+    std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
+};
+} // namespace
+
+std::int32_t render_all(render_plan& plan, const host::plugin& effect, media::writer& output, progress& shown)
+{
+    frame_feed feed(plan);
+    frame_drain drain(plan, output, shown);
+    return host::render_frames(
+        effect, plan.comp, plan.values, plan.range, plan.jobs,
+        [&](std::int32_t frame, host::image_view into) { return feed.fill(frame, into); },
+        [&](std::int32_t, host::const_image_view finished) { drain.take(finished); }, &stop_requested());
+}
+
+std::int32_t render_all_timed(render_plan& plan, const host::plugin& effect, media::writer& output,
+                              progress& shown, time_spent& spent)
+{
+    frame_feed feed(plan);
+    frame_drain drain(plan, output, shown);
+    host::render_options options;
+    options.timed = true;
+    media::picture input(plan.comp.picture_width(), plan.comp.picture_height());
+    media::picture drawn(plan.comp.picture_width(), plan.comp.picture_height());
+    const host::image_view target = as_host(drawn.view());
+    const host::image_view source = as_host(input.view());
+    std::int32_t count = 0;
+    for (std::int32_t frame = plan.range.first; frame <= plan.range.last && !stop_requested(); ++frame)
+    {
+        stopwatch watch;
+        if (!feed.fill(frame, source))
+            break;
+        spent.input += watch.lap();
+        const host::render_stats stats =
+            host::render_frame(effect, plan.comp, plan.values, frame,
+                               {source.argb, source.width, source.height, source.rowbytes}, target, options);
+        spent.effect += 1000.0 * (stats.total_seconds - stats.host_seconds);
+        spent.host += 1000.0 * stats.host_seconds;
+        watch.lap();
+        drain.take({target.argb, target.width, target.height, target.rowbytes});
+        spent.output += watch.lap();
+        ++count;
+    }
+    return count;
+}
+} // namespace cli
