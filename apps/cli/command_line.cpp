@@ -13,7 +13,7 @@ constexpr const char* examples = R"(Examples:
   filigrane render -o lines.png
       one frame of 1920x1080 pixels with everything at its default
   filigrane render photo.jpg -o drawn.png --set "Rows=12" --set "Normal Color=#ff8800"
-  filigrane render clip.mp4 -o drawn.mov --preset neon
+  filigrane render clip.mp4 -o drawn.mov --preset neon-ripples
       all frames, ProRes 4444 with transparency, sound included
   filigrane render -o loop.gif --size 480x270 --fps 25 --frames 0-49 --background checker
   filigrane render -o out_%04d.png --frames 100-199
@@ -34,7 +34,7 @@ PARAMETERS
   full-size layer (960,540) or percent (50%,50%); switches are on or off.
 EXAMPLES
   filigrane render photo.jpg -o drawn.png --set "Rows=12"
-  filigrane render clip.mp4 -o drawn.mp4 --preset neon --background "#101018"
+  filigrane render clip.mp4 -o drawn.mp4 --preset neon-ripples --background "#101018"
   filigrane render -o preview.gif --downsample 4 --quality low --frames 0-24)";
 
 void add_plugin_option(CLI::App& app, command_line& line)
@@ -121,11 +121,11 @@ command_line read_command_line(int argc, char** argv)
     command_line line;
     CLI::App app{"Draws a field of hand-drawn lines over pictures and clips.", "filigrane"};
     app.set_version_flag("--version", "filigrane " FILIGRANE_VERSION, "Print the version and exit");
-    app.footer(examples);
     app.require_subcommand(1);
     app.get_formatter()->column_width(30);
     add_render(app, line);
     add_questions(app, line);
+    app.footer(examples); // last: commands take over the footer that they find
     try
     {
         app.parse(argc, argv);
