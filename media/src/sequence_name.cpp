@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
-#include <regex>
+#include <string_view>
 #include <system_error>
 
 namespace media
@@ -12,6 +12,50 @@ namespace media
 namespace
 {
 constexpr int widest_number = 9;
+
+// Where a name has its frame number: "%d", "%04d" or a run of '#'.
+struct number_place
+{
+    std::size_t begin = std::string_view::npos; // npos: nowhere
+    std::size_t end = 0;
+    int width = 0;
+};
+
+bool is_digit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// The place that begins at `at`, if one does.
+number_place place_at(std::string_view name, std::size_t at)
+{
+    std::size_t end = at + 1;
+    if (name[at] == '#')
+    {
+        end = std::min(name.find_first_not_of('#', at), name.size());
+        return {at, end, static_cast<int>(std::min<std::size_t>(end - at, widest_number + 1))};
+    }
+    if (name[at] != '%')
+        return {};
+    while (end < name.size() && is_digit(name[end]))
+        ++end;
+    const std::string_view digits = name.substr(at + 1, end - at - 1);
+    // A width without a leading zero would pad with spaces.
+    if (end == name.size() || name[end] != 'd' || (!digits.empty() && (digits[0] != '0' || digits.size() == 1)))
+        return {};
+    int width = 0;
+    if (std::from_chars(digits.data(), digits.data() + digits.size(), width).ec == std::errc::result_out_of_range)
+        width = widest_number + 1;
+    return {at, end + 1, width};
+}
+
+number_place find_place(std::string_view name)
+{
+    for (std::size_t at = 0; at < name.size(); ++at)
+        if (const number_place place = place_at(name, at); place.begin != std::string_view::npos)
+            return place;
+    return {};
+}
 
 std::string padded(std::int32_t number, int width)
 {
@@ -24,27 +68,19 @@ std::string padded(std::int32_t number, int width)
 
 std::optional<sequence_name> sequence_name::parse(const std::filesystem::path& path)
 {
-    static const std::regex number("%(0[0-9]+)?d|#+");
     const std::string name = path.filename().string();
-    std::smatch match;
-    if (!std::regex_search(name, match, number))
+    const number_place place = find_place(name);
+    if (place.begin == std::string_view::npos)
         return std::nullopt;
+    if (place.width > widest_number)
+        throw error(path.string() + ": the frame number may have up to 9 digits, as in frame_%04d.png");
 
     sequence_name pattern;
     pattern.folder_ = path.parent_path();
-    pattern.before_ = match.prefix();
-    pattern.after_ = match.suffix();
-    const std::string found = match.str();
-    int width = 0;
-    if (found[0] == '#')
-        width = static_cast<int>(std::min<std::size_t>(found.size(), widest_number + 1));
-    else if (match[1].matched &&
-             std::from_chars(found.data() + 1, found.data() + found.size(), width).ec != std::errc())
-        width = widest_number + 1;
-    if (width > widest_number)
-        throw error(path.string() + ": the frame number may have up to 9 digits, as in frame_%04d.png");
-    pattern.width_ = width;
-    if (std::regex_search(pattern.after_, number))
+    pattern.before_ = name.substr(0, place.begin);
+    pattern.after_ = name.substr(place.end);
+    pattern.width_ = place.width;
+    if (find_place(pattern.after_).begin != std::string_view::npos)
         throw error(path.string() + ": more than one place for the frame number; keep one, as in frame_%04d.png");
     return pattern;
 }

@@ -11,12 +11,18 @@ TEST_F(sequence_names, number_is_padded_and_never_cut)
     EXPECT_EQ(sequence_name::parse("a/f_%04d.png")->file(123456), "a/f_123456.png");
     EXPECT_EQ(sequence_name::parse("f-###x.png")->file(7), "f-007x.png");
     EXPECT_EQ(sequence_name::parse("%d.png")->file(7), "7.png");
+    EXPECT_EQ(sequence_name::parse("50%_%02d.png")->file(7), "50%_07.png");
+    EXPECT_EQ(sequence_name::parse("a##")->file(7), "a07");
 }
 
 TEST_F(sequence_names, plain_names_are_no_pattern)
 {
     EXPECT_FALSE(sequence_name::parse("f_0001.png"));
     EXPECT_FALSE(sequence_name::parse("100%.png"));
+    EXPECT_FALSE(sequence_name::parse("a%4d.png"));
+    EXPECT_FALSE(sequence_name::parse("a%0d.png"));
+    EXPECT_FALSE(sequence_name::parse("a%04"));
+    EXPECT_FALSE(sequence_name::parse("%"));
     EXPECT_FALSE(sequence_name::parse("a_%04d/f.png")); // the folder's name is no pattern
 }
 
