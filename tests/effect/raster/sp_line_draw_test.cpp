@@ -1,0 +1,543 @@
+#include "effect/layout/sp_line.hpp"
+
+#include "effect/model/matrix.hpp"
+#include "effect/raster/blend.hpp"
+#include "raster_stage.hpp"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace
+{
+using raster_test::same;
+using raster_test::stage;
+using raster_test::text;
+
+constexpr int kSide = 128;
+
+// What a stroke was when the rasteriser got it.
+struct piece
+{
+    std::vector<StrokePoint> samples;
+    int axis = 0;
+    float inner_radius = 0.0f;
+    float outer_radius = 0.0f;
+    bool solid_core = false;
+};
+
+// A frame on a square canvas, a grid of 96 by 80 in its middle, and every piece that its lines hand over.
+class drawn_line : public testing::Test
+{
+protected:
+    drawn_line()
+    {
+        frame_.pool = &stage_.pool;
+        frame_.in_data = &stage_.in_data;
+        frame_.squareSize = kSide;
+        frame_.width = 96;
+        frame_.height = 80;
+        frame_.marginX = 16;
+        frame_.marginY = 24;
+        frame_.qualityStep = 0.5f;
+        frame_.opacity = 100;
+        frame_.normalShare = 50;
+        frame_.normalColor = {9, 255, 100, 0};
+        frame_.stressedColor = {9, 0, 200, 255};
+        frame_.layoutMatrix = {{{-1.0, 0.0, 0.0}, {0.0, -1.0, 0.0}, {128.0, 128.0, 1.0}}};
+        stage_.set_up(frame_.lineCreator);
+        stage_.on_sqrt = [this] { note(); };
+    }
+
+    // The half turn as a frame has it: the sine of pi is not quite 0.
+    void turn_as_a_frame_does()
+    {
+        AEG_SetIdentityMatrix(&frame_.layoutMatrix);
+        AEG_RotateMatrixPlus(&frame_.layoutMatrix, &stage_.in_data, 180.0, 64.0, 64.0);
+    }
+
+    void one_colour(int normal_share)
+    {
+        frame_.normalShare = normal_share;
+        frame_.lineCreator.monocolor = true;
+        frame_.lineCreator.pixelFunction = &LineCreatorClass::CalculatePixelMonocolor;
+        frame_.lineCreator.subRenderFunction = &LineCreatorClass::SubRenderMonocolor;
+    }
+
+    // A line through points given as running position and across position; its base is the first one's.
+    sp_line& line(bool vertical, std::vector<fpoint_t> along)
+    {
+        const float base = static_cast<float>(along[0].y);
+        if (vertical)
+            for (fpoint_t& p : along)
+                std::swap(p.x, p.y);
+        sp_line& l = *pool_new<sp_line>(&stage_.pool, &frame_, static_cast<unsigned char>(vertical ? 1 : 0),
+                                        along.data(), static_cast<int>(along.size()));
+        (vertical ? l.base_x : l.base_y) = base;
+        return l;
+    }
+
+    const std::vector<piece>& draw(sp_line& l, float width)
+    {
+        pieces_.clear();
+        l.draw(rng_, stage_.context.get(), width);
+        return pieces_;
+    }
+
+    // The samples written a second way, from the line as it is before it is drawn.
+    std::vector<StrokePoint> expected(const sp_line& l, float width) const
+    {
+        std::vector<curve_pt_t> points(l.points, l.points + l.num_points);
+        AEG_TransformPoints(&frame_.layoutMatrix, l.num_points, points.data());
+        fpoint_t base = {l.vertical != 0 ? static_cast<double>(l.base_x) : 0.0,
+                         l.vertical != 0 ? 0.0 : static_cast<double>(l.base_y)};
+        AEG_TransformPoints(&frame_.layoutMatrix, 1, &base);
+        const auto run = [&l](const curve_pt_t& p) { return l.vertical != 0 ? p.y : p.x; };
+        const auto across = [&l](const curve_pt_t& p) { return l.vertical != 0 ? p.x : p.y; };
+        const double base_across = l.vertical != 0 ? base.x : base.y;
+        float widest = 0.0f;
+        for (const curve_pt_t& p : points)
+            widest = std::fmax(widest, std::fabs(static_cast<float>(across(p) - base_across)));
+
+        std::vector<StrokePoint> samples;
+        const auto first = static_cast<float>(run(points.front()));
+        for (int step = 0;; ++step)
+        {
+            const float c = first - static_cast<float>(step) * frame_.qualityStep;
+            if (!(static_cast<double>(c) > run(points.back())))
+                break;
+            for (std::size_t i = 0; i + 1 < points.size(); ++i)
+            {
+                const double high = run(points[i]);
+                const double low = run(points[i + 1]);
+                if (!(low <= static_cast<double>(c) && static_cast<double>(c) < high))
+                    continue;
+                const auto part = static_cast<float>((static_cast<double>(c) - high) / (high - low));
+                const double rise = across(points[i]) - across(points[i + 1]);
+                const auto cross = static_cast<float>(across(points[i]) + static_cast<double>(part) * rise);
+                const auto off = static_cast<float>(static_cast<double>(cross) - base_across);
+                const float stress = std::fabs(off * width / widest) * static_cast<float>(frame_.stressedWidth);
+                StrokePoint s{};
+                s.x = l.vertical != 0 ? cross : c;
+                s.y = l.vertical != 0 ? c : cross;
+                s.halfWidth = static_cast<float>(static_cast<double>(stress) / 100.0 + static_cast<double>(width));
+                if (!frame_.lineCreator.monocolor)
+                {
+                    PF_Pixel normal = frame_.normalColor;
+                    PF_Pixel stressed = frame_.stressedColor;
+                    normal.alpha = stressed.alpha = s.color.alpha = 255;
+                    blend_color(normal, stressed, static_cast<short>(frame_.normalShare), std::fabs(off), widest,
+                                &s.color);
+                }
+                samples.push_back(s);
+                break;
+            }
+        }
+        return samples;
+    }
+
+    static void expect_samples(const std::vector<StrokePoint>& got, const std::vector<StrokePoint>& want)
+    {
+        ASSERT_EQ(got.size(), want.size());
+        for (std::size_t i = 0; i < got.size(); ++i)
+            ASSERT_EQ(std::memcmp(&got[i], &want[i], sizeof got[i]), 0)
+                << "sample " << i << ": (" << got[i].x << ", " << got[i].y << "), radius " << got[i].halfWidth
+                << ", " << text(got[i].color) << ", not (" << want[i].x << ", " << want[i].y << "), radius "
+                << want[i].halfWidth << ", " << text(want[i].color);
+    }
+
+    stage stage_{kSide, kSide};
+    frame_data frame_;
+    Loom::RandomGenerator32 rng_{17};
+    std::vector<piece> pieces_;
+
+private:
+    void note()
+    {
+        const LineCreatorClass& c = frame_.lineCreator;
+        if (!pieces_.empty() && last_points_ == c.points && last_count_ == c.pointCount &&
+            last_calls_ == stage_.calls.size())
+            return;
+        last_points_ = c.points;
+        last_count_ = c.pointCount;
+        last_calls_ = stage_.calls.size();
+        pieces_.push_back({{c.points, c.points + c.pointCount},
+                           c.axis,
+                           c.innerRadius,
+                           c.outerRadius,
+                           c.subRenderFunction == &LineCreatorClass::SubRenderMonocolor});
+    }
+
+    const StrokePoint* last_points_ = nullptr;
+    int last_count_ = 0;
+    std::size_t last_calls_ = 0;
+};
+
+const std::vector<fpoint_t> kWave = {{20.0, 60.0}, {40.0, 70.5}, {71.25, 48.0}, {100.0, 66.0}};
+
+TEST_F(drawn_line, is_sampled_every_half_pixel_from_its_far_end)
+{
+    sp_line& l = line(false, {{20.0, 60.0}, {100.0, 60.0}, {101.0, 63.0}});
+    const auto& got = draw(l, 3.0f);
+    ASSERT_EQ(got.size(), 1U);
+    const std::vector<StrokePoint>& samples = got[0].samples;
+    // Turned about (64, 64) the line runs from 108 down to 27. The first position is the first point's own and
+    // lies outside the half-open segments; the last point's is not reached.
+    ASSERT_EQ(samples.size(), 161U);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        EXPECT_EQ(samples[i].x, 107.5f - 0.5f * static_cast<float>(i));
+    EXPECT_EQ(samples[0].y, 68.0f);
+    EXPECT_EQ(samples.back().x, 27.5f);
+    EXPECT_EQ(samples.back().y, 66.5f);
+    EXPECT_EQ(got[0].axis, 0);
+}
+
+TEST_F(drawn_line, is_sampled_every_pixel_at_low_quality)
+{
+    frame_.qualityStep = 1.0f;
+    sp_line& l = line(true, {{20.0, 60.0}, {100.0, 60.0}, {101.0, 63.0}});
+    const auto& got = draw(l, 3.0f);
+    ASSERT_EQ(got.size(), 1U);
+    ASSERT_EQ(got[0].samples.size(), 80U);
+    EXPECT_EQ(got[0].samples[0].y, 107.0f);
+    EXPECT_EQ(got[0].samples[0].x, 68.0f);
+    EXPECT_EQ(got[0].samples.back().y, 28.0f);
+    EXPECT_EQ(got[0].axis, 1);
+}
+
+TEST_F(drawn_line, has_the_samples_of_a_second_version)
+{
+    turn_as_a_frame_does();
+    for (const bool vertical : {false, true})
+        for (const float step : {1.0f, 0.5f})
+            for (const int stressed : {-100, -37, 0, 55, 100})
+                for (const float width : {0.6f, 4.25f, 11.0f})
+                {
+                    frame_.qualityStep = step;
+                    frame_.stressedWidth = stressed;
+                    sp_line& l = line(vertical, kWave);
+                    const std::vector<StrokePoint> want = expected(l, width);
+                    const auto& got = draw(l, width);
+                    ASSERT_EQ(got.size(), 1U);
+                    expect_samples(got[0].samples, want);
+                }
+}
+
+TEST_F(drawn_line, doubles_its_radius_or_loses_it_where_it_is_farthest_off_its_base)
+{
+    const auto radii = [this](int stressed)
+    {
+        frame_.stressedWidth = stressed;
+        sp_line& l = line(false, {{20.0, 60.0}, {60.0, 60.0}, {61.0, 70.0}, {100.0, 70.0}});
+        return draw(l, 8.0f).at(0).samples;
+    };
+    EXPECT_EQ(radii(100).front().halfWidth, 8.0f);
+    EXPECT_EQ(radii(100).back().halfWidth, 16.0f);
+    EXPECT_EQ(radii(-100).back().halfWidth, 0.0f);
+    EXPECT_EQ(radii(-50).front().halfWidth, 8.0f);
+    EXPECT_EQ(radii(-50).back().halfWidth, 4.0f);
+    EXPECT_EQ(radii(0).back().halfWidth, 8.0f);
+}
+
+TEST_F(drawn_line, has_the_radii_of_its_thinnest_and_widest_place)
+{
+    const auto radii = [this](int stressed, float width)
+    {
+        frame_.stressedWidth = stressed;
+        sp_line& l = line(false, kWave);
+        const piece p = draw(l, width).at(0);
+        return std::pair(p.inner_radius, p.outer_radius);
+    };
+    // Half the diagonal of the inner square is the thinnest radius, less 1.5 pixels of its side.
+    EXPECT_EQ(radii(0, 10.0f), std::pair(5.571067811865475f, 11.5f));
+    EXPECT_EQ(radii(50, 10.0f), std::pair(5.571067811865475f, 16.5f));
+    EXPECT_EQ(radii(100, 10.0f), std::pair(5.571067811865475f, 21.5f));
+    EXPECT_EQ(radii(-50, 10.0f), std::pair(2.0355339059327378f, 11.5f));
+    EXPECT_EQ(radii(-100, 10.0f), std::pair(-1.5f, 11.5f));
+}
+
+TEST_F(drawn_line, turns_opacity_into_alpha)
+{
+    for (int opacity = 0; opacity <= 100; ++opacity)
+    {
+        frame_.opacity = opacity;
+        sp_line& l = line(false, kWave);
+        draw(l, 2.0f);
+        EXPECT_EQ(frame_.normalColor.alpha, opacity * 255 / 100) << opacity;
+        EXPECT_EQ(frame_.stressedColor.alpha, opacity * 255 / 100) << opacity;
+        EXPECT_EQ(pieces_.at(0).samples.at(0).color.alpha, opacity * 255 / 100) << opacity;
+    }
+}
+
+TEST_F(drawn_line, holds_a_random_opacity_to_a_byte)
+{
+    bool held_high = false;
+    bool held_low = false;
+    frame_.opacity = 90;
+    frame_.opacityRandomness = 150;
+    for (unsigned seed = 1; seed < 200; ++seed)
+    {
+        rng_.ReSeed(seed * 7919);
+        Loom::RandomGenerator32 twin = rng_;
+        const float drawn = rand_param(twin, 90.0f, 150.0f);
+        const int whole = static_cast<int>(static_cast<float>(static_cast<double>(drawn) * 2.55));
+        const int want = whole < 0 ? 0 : whole > 255 ? 255 : whole;
+        held_high |= whole > 255;
+        held_low |= whole < 0;
+        sp_line& l = line(false, kWave);
+        draw(l, 1.0f);
+        ASSERT_EQ(frame_.normalColor.alpha, want) << seed;
+        ASSERT_EQ(rng_.GetNextRandomInt(), twin.GetNextRandomInt()) << seed;
+    }
+    EXPECT_TRUE(held_high && held_low);
+}
+
+TEST_F(drawn_line, has_the_normal_colour_at_100_and_the_stressed_one_at_0)
+{
+    one_colour(100);
+    sp_line& normal = line(false, kWave);
+    EXPECT_TRUE(same(draw(normal, 8.0f).at(0).samples[0].color, {255, 255, 100, 0}));
+    one_colour(0);
+    sp_line& stressed = line(false, kWave);
+    EXPECT_TRUE(same(draw(stressed, 8.0f).at(0).samples[0].color, {255, 0, 200, 255}));
+    one_colour(30); // as a displacement matte has it
+    frame_.useDisplacement = 1;
+    sp_line& matte = line(false, kWave);
+    EXPECT_TRUE(same(draw(matte, 8.0f).at(0).samples[0].color, {255, 255, 100, 0}));
+}
+
+TEST_F(drawn_line, gives_its_colour_to_the_first_sample_alone)
+{
+    one_colour(100);
+    sp_line& l = line(true, kWave);
+    const std::vector<StrokePoint> samples = draw(l, 8.0f).at(0).samples;
+    for (std::size_t i = 1; i < samples.size(); ++i)
+        ASSERT_TRUE(same(samples[i].color, {0, 0, 0, 0})) << i;
+}
+
+TEST_F(drawn_line, is_laid_over_the_destination_when_it_is_done)
+{
+    sp_line& l = line(false, kWave);
+    draw(l, 3.0f);
+    EXPECT_FALSE(stage_.calls.empty());
+    for (const std::uint8_t dirty : stage_.context->tileDirty)
+        ASSERT_EQ(dirty, 0);
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 0; x < kSide; ++x)
+            ASSERT_TRUE(same(stage_.canvas.at(x, y), {0, 0, 0, 0})) << x << ", " << y;
+}
+
+TEST_F(drawn_line, switches_the_core_off_for_good_once_it_is_too_thin)
+{
+    one_colour(100);
+    const float widest_without = std::nextafter(3.5355339f, 0.0f); // 2.5 times the square root of 2
+    sp_line& wide = line(false, kWave);
+    EXPECT_TRUE(draw(wide, 3.54f).at(0).solid_core);
+    sp_line& thin = line(false, kWave);
+    EXPECT_FALSE(draw(thin, widest_without).at(0).solid_core);
+    sp_line& wide_again = line(false, kWave);
+    EXPECT_FALSE(draw(wide_again, 12.0f).at(0).solid_core);
+}
+
+TEST_F(drawn_line, gives_its_samples_back)
+{
+    sp_line& l = line(false, kWave);
+    const mem_pool before = stage_.pool;
+    draw(l, 3.0f);
+    EXPECT_EQ(stage_.pool.next, before.next);
+    EXPECT_EQ(stage_.pool.remaining, before.remaining);
+}
+
+TEST_F(drawn_line, keeps_its_empty_array_where_there_is_nothing_to_sample)
+{
+    sp_line& l = line(false, {{50.0, 60.0}});
+    const std::uint64_t before = stage_.pool.remaining;
+    EXPECT_TRUE(draw(l, 3.0f).empty());
+    EXPECT_EQ(before - stage_.pool.remaining, 32U); // one point at two samples a pixel
+    EXPECT_TRUE(stage_.calls.empty());
+}
+
+TEST_F(drawn_line, is_not_drawn_where_the_pool_is_short)
+{
+    // 80 pixels take 160 slots and the one past the end.
+    const auto drawn_with = [this](std::uint64_t slots)
+    {
+        sp_line& l = line(false, {{20.0, 60.0}, {100.0, 61.0}});
+        const std::uint64_t all = stage_.pool.remaining;
+        stage_.pool.remaining = slots * sizeof(StrokePoint);
+        Loom::RandomGenerator32 twin = rng_;
+        rand_param(twin, 100.0f, 0.0f);
+        const bool drawn = !draw(l, 3.0f).empty();
+        EXPECT_EQ(rng_.GetNextRandomInt(), twin.GetNextRandomInt()) << slots; // the opacity is drawn either way
+        EXPECT_EQ(stage_.pool.remaining, slots * sizeof(StrokePoint));
+        stage_.pool.remaining = all;
+        return drawn;
+    };
+    EXPECT_TRUE(drawn_with(161));
+    EXPECT_FALSE(drawn_with(160));
+    EXPECT_FALSE(drawn_with(0));
+}
+
+TEST_F(drawn_line, of_many_points_needs_room_for_them)
+{
+    // 40 points over less than 10 pixels: 20 samples would do, but the array is as large as the points make it.
+    std::vector<fpoint_t> dense;
+    for (int i = 0; i < 40; ++i)
+        dense.push_back({40.0 + i * 0.25, 60.0 + i % 2});
+    const auto drawn_with = [&](std::uint64_t bytes)
+    {
+        sp_line& l = line(false, dense);
+        const std::uint64_t all = stage_.pool.remaining;
+        stage_.pool.remaining = bytes;
+        const bool drawn = !draw(l, 2.0f).empty();
+        stage_.pool.remaining = all;
+        return drawn;
+    };
+    EXPECT_TRUE(drawn_with(40 * 16 * 2));
+    EXPECT_FALSE(drawn_with(40 * 16 * 2 - 8));
+}
+
+TEST_F(drawn_line, without_points_takes_its_opacity_draw_alone)
+{
+    frame_.opacity = 40;
+    const fpoint_t none[1] = {};
+    sp_line l(&frame_, 0, none, 0);
+    Loom::RandomGenerator32 twin = rng_;
+    rand_param(twin, 40.0f, 0.0f);
+    EXPECT_TRUE(draw(l, 3.0f).empty());
+    EXPECT_EQ(frame_.normalColor.alpha, 102);
+    EXPECT_EQ(rng_.GetNextRandomInt(), twin.GetNextRandomInt());
+}
+
+TEST_F(drawn_line, stops_where_an_end_is_not_finite)
+{
+    const double inf = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (const double bad : {inf, -inf, nan})
+        for (const bool at_first : {true, false})
+        {
+            sp_line& l = line(false, kWave);
+            l.points[at_first ? 0 : l.num_points - 1].x = bad;
+            const std::uint64_t before = stage_.pool.remaining;
+            EXPECT_TRUE(draw(l, 3.0f).empty()) << bad;
+            EXPECT_EQ(stage_.pool.remaining, before) << bad;
+        }
+}
+
+TEST_F(drawn_line, too_long_to_be_stepped_along_is_not_drawn)
+{
+    sp_line& l = line(false, {{-1e9, 60.0}, {1e9, 61.0}});
+    const std::uint64_t before = stage_.pool.remaining;
+    EXPECT_TRUE(draw(l, 3.0f).empty());
+    EXPECT_EQ(stage_.pool.remaining, before);
+}
+
+TEST_F(drawn_line, on_its_base_has_radii_that_are_not_numbers_and_no_picture)
+{
+    sp_line& l = line(true, {{20.0, 60.0}, {100.0, 60.0}});
+    const std::vector<piece> got = draw(l, 3.0f);
+    ASSERT_EQ(got.size(), 1U);
+    for (const StrokePoint& s : got[0].samples)
+        ASSERT_TRUE(std::isnan(s.halfWidth));
+    EXPECT_TRUE(stage_.calls.empty());
+}
+
+// Pieces of a wrapped line, sample by sample from the near end: a piece closes with the first sample that is over
+// the edge; from there on everything lies as many periods farther back as it takes for that sample to be inside.
+std::vector<std::vector<StrokePoint>> wrapped(std::vector<StrokePoint> samples, bool vertical, float edge,
+                                              float period)
+{
+    std::vector<std::vector<StrokePoint>> pieces;
+    std::vector<StrokePoint> open; // near end first
+    while (!samples.empty())
+    {
+        const StrokePoint s = samples.back();
+        samples.pop_back();
+        open.push_back(s);
+        float at = vertical ? s.y : s.x;
+        if (at < edge && !samples.empty())
+            continue;
+        pieces.emplace_back(open.rbegin(), open.rend());
+        open.clear();
+        while (!(at < edge))
+        {
+            at -= period;
+            for (StrokePoint& rest : samples)
+                (vertical ? rest.y : rest.x) -= period;
+        }
+    }
+    return pieces;
+}
+
+TEST_F(drawn_line, is_cut_at_the_far_edge_as_by_a_second_version)
+{
+    frame_.linesHaveEnds = 1;
+    frame_.lineWrapping = 1;
+    std::size_t most = 0;
+    for (const bool vertical : {false, true})
+        for (const double length : {10.0, 79.0, 100.0, 180.0, 333.3, 500.0})
+            for (const double start : {-400.0, -150.5, 4.0, 20.0})
+            {
+                sp_line& l = line(vertical, {{start, 60.0}, {start + length / 2, 67.0}, {start + length, 61.0}});
+                const float edge = vertical ? 128.0f - 24.0f : 128.0f - 16.0f;
+                const auto want = wrapped(expected(l, 3.0f), vertical, edge, vertical ? 80.0f : 96.0f);
+                const auto& got = draw(l, 3.0f);
+                most = std::max(most, want.size());
+                // A piece that lies off the canvas whole still decides the pixels of its clamped box.
+                ASSERT_EQ(got.size(), want.size()) << start << " + " << length;
+                for (std::size_t i = 0; i < got.size(); ++i)
+                    expect_samples(got[i].samples, want[i]);
+            }
+    EXPECT_GE(most, 5U);
+}
+
+TEST_F(drawn_line, is_whole_unless_it_both_has_ends_and_wraps)
+{
+    for (const int which : {0, 1, 2})
+    {
+        frame_.linesHaveEnds = which == 1;
+        frame_.lineWrapping = which == 2;
+        sp_line& l = line(false, {{-150.0, 60.0}, {100.0, 65.0}});
+        const std::vector<StrokePoint> want = expected(l, 3.0f);
+        const auto& got = draw(l, 3.0f);
+        ASSERT_EQ(got.size(), 1U);
+        expect_samples(got[0].samples, want);
+    }
+}
+
+TEST_F(drawn_line, cut_in_pieces_shows_its_one_colour_in_the_first_alone)
+{
+    one_colour(100);
+    frame_.linesHaveEnds = 1;
+    frame_.lineWrapping = 1;
+    sp_line& l = line(false, {{-60.0, 60.0}, {100.0, 65.0}});
+    const std::vector<piece> got = draw(l, 3.0f);
+    ASSERT_EQ(got.size(), 2U);
+    // The piece beginning with the line's first sample is drawn last.
+    EXPECT_TRUE(same(got[0].samples[0].color, {0, 0, 0, 0}));
+    EXPECT_TRUE(same(got[1].samples[0].color, {255, 255, 100, 0}));
+}
+
+TEST_F(drawn_line, is_flushed_piece_by_piece_and_gives_its_samples_back)
+{
+    frame_.linesHaveEnds = 1;
+    frame_.lineWrapping = 1;
+    sp_line& l = line(false, {{-60.0, 60.0}, {100.0, 65.0}});
+    const mem_pool before = stage_.pool;
+    std::vector<std::size_t> calls_at_piece;
+    const auto note = stage_.on_sqrt;
+    stage_.on_sqrt = [&]
+    {
+        note();
+        if (calls_at_piece.size() < pieces_.size())
+            calls_at_piece.push_back(stage_.calls.size());
+    };
+    draw(l, 3.0f);
+    ASSERT_EQ(calls_at_piece.size(), 2U);
+    EXPECT_EQ(calls_at_piece[0], 0U);
+    EXPECT_GT(calls_at_piece[1], 0U);
+    EXPECT_GT(stage_.calls.size(), calls_at_piece[1]);
+    EXPECT_EQ(stage_.pool.next, before.next);
+    EXPECT_EQ(stage_.pool.remaining, before.remaining);
+}
+} // namespace
