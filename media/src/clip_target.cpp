@@ -76,6 +76,8 @@ public:
         if (written_ == 0)
             throw error(name_ + ": there was no frame to write");
         send(nullptr);
+        check(av_interleaved_write_frame(format_, nullptr));
+        muxing_ = false;
         check(av_write_trailer(format_));
         avio_flush(format_->pb);
         check(format_->pb->error);
@@ -100,6 +102,7 @@ private:
         if (muxer == "mp4")
             muxing.set("movflags", "+faststart");
         check(avformat_write_header(format_, muxing.get()));
+        muxing_ = true;
     }
 
     void open_encoder(const AVCodec* codec)
@@ -193,6 +196,10 @@ private:
     {
         if (format_ == nullptr)
             return;
+        // The GIF muxer holds a packet of its own that only its trailer frees.
+        if (muxing_ && pixels_ == AV_PIX_FMT_PAL8)
+            av_write_trailer(format_);
+        muxing_ = false;
         avio_closep(&format_->pb);
         avformat_free_context(format_);
         format_ = nullptr;
@@ -204,6 +211,7 @@ private:
     std::optional<pending_file> file_;
     AVFormatContext* format_ = nullptr;
     AVStream* stream_ = nullptr;
+    bool muxing_ = false; // the header is written and the trailer is not
     av::owner<AVCodecContext> encoder_;
     av::owner<AVPacket> packet_;
     std::optional<encoder_frame> frame_;

@@ -104,3 +104,18 @@ TEST_F(audio, a_silent_clip_needs_no_note)
     make_clip(at("in.mov"), recipe);
     EXPECT_TRUE(render(at("in.mov"), at("out.mp4"), 0, 3).empty());
 }
+
+TEST_F(audio, a_writer_given_up_with_sound_waiting_leaves_nothing)
+{
+    make_clip(at("in.mov"), two_seconds("aac"));
+    for (const char* name : {"out.mp4", "out.mov", "out.gif"})
+    {
+        media::write_options options = sized(16, 16, 20);
+        options.rate = {10, 1};
+        options.audio_from = at("in.mov");
+        media::writer out(at(name), options);
+        for (int i = 0; i < 3; ++i)
+            out.write(plain(16, 16, 255, 1, 2, 3).view());
+    }
+    EXPECT_THAT(names(), testing::ElementsAre("in.mov"));
+}
