@@ -158,9 +158,9 @@ TEST_F(grid_draw, a_failed_second_canvas_gives_back_the_first)
 TEST_F(grid_draw, matrix_turns_scales_and_moves_in_that_order)
 {
     host.set_angle(6, 30.0);
-    host.in_data.downsample_x = {1, 2};
+    host.in_data.downsample_x = {2, 7};
     host.in_data.downsample_y = {1, 3};
-    host.set_point(5, 11.3, 7.7); // pixels of the downsampled layer
+    host.set_point(5, 31.3, 91.3); // pixels of the downsampled layer
     pool_block memory(1 << 20);
     grid g(&memory.pool);
     g.draw(&host.in_data, &host.out_data, host.params(), &host.output);
@@ -168,17 +168,21 @@ TEST_F(grid_draw, matrix_turns_scales_and_moves_in_that_order)
     const double s = std::sin(a);
     const double c = std::cos(a);
     const double third = 1.0 / 3.0;
+    const double sevenths = 2.0 / 7.0;
     const double turn_x = 48 * (1 - c) + 48 * s;
     const double turn_y = 48 * (1 - c) - 48 * s;
-    const float move_x = g.frame->positionX * 0.5f - 48.0f;
+    const float move_x = g.frame->positionX * static_cast<float>(sevenths) - 48.0f;
     const float move_y = g.frame->positionY * static_cast<float>(third) - 48.0f;
-    const double x = turn_x * 0.5 + 0.5 * 48 + static_cast<double>(move_x);
+    // The factors are narrowed before they meet the position: that shows here.
+    EXPECT_NE(move_x, static_cast<float>(static_cast<double>(g.frame->positionX) * sevenths - 48.0));
+    EXPECT_NE(move_y, static_cast<float>(static_cast<double>(g.frame->positionY) * third - 48.0));
+    const double x = turn_x * sevenths + (1 - sevenths) * 48 + static_cast<double>(move_x);
     const double y = turn_y * third + (1 - third) * 48 + static_cast<double>(move_y);
     char expected[400];
     std::snprintf(expected, sizeof expected,
                   "transform quality 1 flags 0 field 0 world1 mode(2 456321 255 0) 1 matrix"
                   " %.17g %.17g 0 %.17g %.17g 0 %.17g %.17g 1 src2dst 1 [0 0 64 48] output",
-                  c * 0.5, s * third, -s * 0.5, c * third, x, y);
+                  c * sevenths, s * third, -s * sevenths, c * third, x, y);
     EXPECT_EQ(host.calls({"transform"}), call_list{expected});
 }
 
