@@ -12,8 +12,8 @@ namespace
 constexpr const char* examples = R"(Examples:
   filigrane render -o lines.png
       one frame of 1920x1080 pixels with everything at its default
-  filigrane render photo.jpg -o drawn.png --set "Rows=12" --set "Normal Color=#ff8800"
-  filigrane render clip.mp4 -o drawn.mov --preset neon-ripples
+  filigrane render photo.jpg -o drawn.png --set "Composite On Original=on"
+  filigrane render clip.mp4 -o drawn.mov --preset reeded-glass
       all frames, ProRes 4444 with transparency, sound included
   filigrane render -o loop.gif --size 480x270 --fps 25 --frames 0-49 --background checker
   filigrane render -o out_%04d.png --frames 100-199
@@ -33,8 +33,8 @@ PARAMETERS
   Numbers are plain (12, 0.75), percent (50%), degrees (45deg); points are pixels of the
   full-size layer (960,540) or percent (50%,50%); switches are on or off.
 EXAMPLES
-  filigrane render photo.jpg -o drawn.png --set "Rows=12"
-  filigrane render clip.mp4 -o drawn.mp4 --preset neon-ripples --background "#101018"
+  filigrane render photo.jpg -o drawn.png --set "Composite On Original=on"
+  filigrane render clip.mp4 -o drawn.mp4 --preset reeded-glass
   filigrane render -o preview.gif --downsample 4 --quality low --frames 0-24)";
 
 void add_plugin_option(CLI::App& app, command_line& line)

@@ -90,9 +90,33 @@ void set_values(const render_request& request, const host::plugin& effect, rende
         const std::size_t equals = setting.find('=');
         if (equals == std::string::npos)
             throw usage_error("--set \"" + setting + "\": give NAME=VALUE, as in --set \"Rows=12\"");
-        const host::param_info& info = host::find_param(effect.params(), setting.substr(0, equals));
-        plan.values.set(info.index, host::parse_value(info, setting.substr(equals + 1)));
+        try
+        {
+            const host::param_info& info = host::find_param(effect.params(), setting.substr(0, equals));
+            plan.values.set(info.index, host::parse_value(info, setting.substr(equals + 1)));
+        }
+        catch (const host::error& wrong)
+        {
+            throw usage_error(wrong.what());
+        }
     }
+}
+
+// Whether the checkbox of that label is there and off.
+bool is_off(const host::plugin& effect, const render_plan& plan, const char* label)
+{
+    const auto& params = effect.params();
+    const auto found = std::find_if(params.begin(), params.end(),
+                                    [label](const host::param_info& info) { return info.label == label; });
+    return found != params.end() && plan.values.of(found->index).constant.x == 0.0;
+}
+
+// Nobody gives a picture in order not to see it, yet both ways to see it are off by default.
+void warn_of_hidden_input(const host::plugin& effect, render_plan& plan)
+{
+    if (plan.input && is_off(effect, plan, "Composite On Original") && is_off(effect, plan, "Use Displacement"))
+        plan.notes.push_back("the input will not show: --set \"Composite On Original=on\" draws over it, "
+                             "--set \"Use Displacement=on\" shifts it");
 }
 
 void choose_output(const render_request& request, const media::output_format& format, render_plan& plan)
@@ -133,6 +157,7 @@ render_plan prepare_render(const render_request& request, const host::plugin& ef
     choose_frames(request, format, plan);
     plan.comp.total_frames = plan.length_known ? plan.range.last + 1 : 1;
     set_values(request, effect, plan);
+    warn_of_hidden_input(effect, plan);
     choose_output(request, format, plan);
     return plan;
 }

@@ -93,14 +93,25 @@ TEST_F(command, unknown_names_and_bad_values_are_answered_with_what_would_do)
     const auto set = [&](const char* setting) {
         return render({"-o", path("out.png"), "--size", "4x4", "--set", setting});
     };
-    EXPECT_EQ(set("Levle=7").status, 1);
+    EXPECT_EQ(set("Levle=7").status, 2);
     EXPECT_THAT(set("Levle=7").err, error_line("\"Level\""));
-    EXPECT_EQ(set("Level=256").status, 1);
+    EXPECT_EQ(set("Level=256").status, 2);
     EXPECT_THAT(set("Level=256").err, error_line("255"));
     EXPECT_THAT(set("Level=7x").err, error_line("Level"));
     EXPECT_THAT(set("0=7").err, error_line("")); // the layer has no value
     EXPECT_THAT(set("99=7").err, error_line("99"));
     EXPECT_TRUE(names().empty());
+}
+
+TEST_F(command, input_that_will_not_show_is_noted)
+{
+    ASSERT_EQ(render({"-o", path("photo.png"), "--size", "16x16"}).status, 0);
+    const auto drawn_over = [&](const char* setting) {
+        return run_tool({"render", path("photo.png"), "-o", path("out.png"), "--force", "--set", setting}).err;
+    };
+    EXPECT_THAT(drawn_over("Rows=2"), testing::HasSubstr("Composite On Original=on"));
+    EXPECT_THAT(drawn_over("Composite On Original=on"), testing::Not(testing::HasSubstr("note")));
+    EXPECT_THAT(drawn_over("Use Displacement=on"), testing::Not(testing::HasSubstr("note")));
 }
 
 TEST_F(command, preset_comes_first_and_settings_follow_in_order)
