@@ -191,7 +191,7 @@ private:
     {
         const std::lock_guard hold(mutex_);
         if (!failure_)
-            failure_ = failure;
+            failure_ = std::move(failure);
     }
 
     const plugin& effect_;
