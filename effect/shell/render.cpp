@@ -34,20 +34,24 @@ std::optional<std::uint64_t> pool_size(const PF_InData* in_data, PF_ParamDef** p
     return trunc_u64(size);
 }
 
-PF_Err Render(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef** params, PF_LayerDef* output)
+PF_Err render_with_pool(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef** params, PF_LayerDef* output,
+                        std::uint64_t size)
 {
-    const std::optional<std::uint64_t> size = pool_size(in_data, params);
-    if (!size)
-        return PF_Err_OUT_OF_MEMORY;
-    host_block block(*in_data->utils, *size);
+    host_block block(*in_data->utils, size);
     if (block.data() == nullptr)
         return PF_Err_OUT_OF_MEMORY;
 
     auto* const base = static_cast<std::byte*>(block.data());
-    mem_pool pool = {base, base, *size};
+    mem_pool pool = {base, base, size};
     grid* const frame = pool_new<grid>(&pool, &pool);
     if (frame != nullptr)
         frame->draw(in_data, out_data, params, output);
     block.release();
     return PF_Err_NONE;
+}
+
+PF_Err Render(PF_InData* in_data, PF_OutData* out_data, PF_ParamDef** params, PF_LayerDef* output)
+{
+    const std::optional<std::uint64_t> size = pool_size(in_data, params);
+    return size ? render_with_pool(in_data, out_data, params, output, *size) : PF_Err_OUT_OF_MEMORY;
 }
