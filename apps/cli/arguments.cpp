@@ -102,9 +102,10 @@ media::background parse_background(const std::string& text)
         return {};
     if (text == "checker")
         return {media::background::pattern::checker};
-    const auto color = text.size() == 7 && text[0] == '#'
-                           ? whole_number<std::uint32_t>(std::string_view(text).substr(1), 16)
-                           : std::nullopt;
+    std::string digits = text.starts_with('#') ? text.substr(1) : "";
+    if (digits.size() == 3)
+        digits = {digits[0], digits[0], digits[1], digits[1], digits[2], digits[2]};
+    const auto color = digits.size() == 6 ? whole_number<std::uint32_t>(digits, 16) : std::nullopt;
     if (!color)
         wrong("--background", text, "transparent, checker or a colour as in #20304a");
     return {media::background::pattern::color, static_cast<std::uint8_t>(*color >> 16),

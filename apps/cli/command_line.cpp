@@ -3,6 +3,7 @@
 #include "usage_error.hpp"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 
 namespace cli
@@ -36,6 +37,8 @@ EXAMPLES
   filigrane render photo.jpg -o drawn.png --set "Composite On Original=on"
   filigrane render clip.mp4 -o drawn.mp4 --preset reeded-glass
   filigrane render -o preview.gif --downsample 4 --quality low --frames 0-24)";
+
+constexpr char commands[] = "render, params, presets, about and inspect";
 
 void add_plugin_option(CLI::App& app, command_line& line)
 {
@@ -114,6 +117,12 @@ void add_questions(CLI::App& app, command_line& line)
     inspect->add_option("PLUGIN", line.plugin, "Effect file")->required()->type_name("");
     inspect->callback([&line] { line.chosen = command::inspect; });
 }
+
+bool is_command(const CLI::App& app, const std::string& word)
+{
+    const auto all = app.get_subcommands([](const CLI::App*) { return true; });
+    return std::any_of(all.begin(), all.end(), [&](const CLI::App* known) { return known->check_name(word); });
+}
 } // namespace
 
 command_line read_command_line(int argc, char** argv)
@@ -139,8 +148,11 @@ command_line read_command_line(int argc, char** argv)
             return line;
         }
         line.status = exit_usage;
-        const std::string what =
-            argc > 1 ? complaint.what() : "give a command: render, params, presets, about or inspect";
+        std::string what = complaint.what();
+        if (argc < 2)
+            what = std::string("give a command: ") + commands;
+        else if (argv[1][0] != '-' && !is_command(app, argv[1]))
+            what = std::string("unknown command \"") + argv[1] + "\": there are " + commands;
         std::cerr << "filigrane: " << what << "; see filigrane --help\n";
         return line;
     }

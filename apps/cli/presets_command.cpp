@@ -48,7 +48,17 @@ void list_presets()
     for (const std::filesystem::path& look : looks)
     {
         const std::string name = look.stem().string();
-        const std::string description = description_of(read_look(look));
+        std::string description;
+        try
+        {
+            description = description_of(read_look(look));
+        }
+        catch (const host::error& broken)
+        {
+            // One broken file hides none of the others.
+            std::cerr << "filigrane: note: " << broken.what() << '\n';
+            continue;
+        }
         std::cout << name;
         if (!description.empty())
             std::cout << std::string(width - name.size() + 2, ' ') << description;

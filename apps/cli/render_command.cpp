@@ -64,7 +64,8 @@ int run_render(const render_request& request, const host::plugin& effect)
     const std::int32_t count = request.timing ? render_all_timed(plan, effect, output, shown, spent)
                                               : render_all(plan, effect, output, shown);
     shown.clear();
-    if (stop_requested())
+    // A stop that comes when every frame is there has nothing left to stop.
+    if (stop_requested() && count != total)
         return report_stop(
             request, media::format_of(request.output, plan.writing.codec).kind == media::output_kind::sequence,
             count);

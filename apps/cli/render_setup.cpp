@@ -137,18 +137,34 @@ void choose_output(const render_request& request, const media::output_format& fo
     }
     if (request.background)
         plan.under = parse_background(*request.background);
+    if (request.background == "transparent" && !format.alpha)
+        throw usage_error(request.output + ": holds no transparency; name a .png or .mov, or give a --background "
+                                           "colour");
     // Without transparency to keep, what shines through is black.
     if (!format.alpha && plan.under.fill == media::background::pattern::transparent)
         plan.under = {media::background::pattern::color, 0, 0, 0};
+}
+
+// A codec or an output's name that says nothing to us is the command line's fault.
+media::output_format asked_format(const render_request& request, media::write_options& writing)
+{
+    try
+    {
+        if (request.codec)
+            writing.codec = media::codec_from_name(*request.codec);
+        return media::format_of(request.output, writing.codec);
+    }
+    catch (const media::error& wrong)
+    {
+        throw usage_error(wrong.what());
+    }
 }
 } // namespace
 
 render_plan prepare_render(const render_request& request, const host::plugin& effect)
 {
     render_plan plan(effect);
-    if (request.codec)
-        plan.writing.codec = media::codec_from_name(*request.codec);
-    const media::output_format format = media::format_of(request.output, plan.writing.codec);
+    const media::output_format format = asked_format(request, plan.writing);
     plan.comp.quality = request.quality == "low" ? PF_Quality_LO : PF_Quality_HI;
     plan.comp.downsample = request.downsample;
     plan.jobs =

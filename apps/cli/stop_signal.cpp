@@ -19,7 +19,8 @@ void watch_stop_signals()
 {
     struct sigaction action = {};
     action.sa_handler = note_stop;
-    action.sa_flags = SA_RESTART;
+    // The first asks, the second ends the process at once.
+    action.sa_flags = SA_RESTART | SA_RESETHAND;
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
     std::signal(SIGXFSZ, SIG_IGN);

@@ -5,6 +5,7 @@
 #include "text.hpp"
 
 #include <array>
+#include <cstdint>
 #include <fstream>
 #include <system_error>
 
@@ -55,6 +56,30 @@ void require_our_machine(const std::filesystem::path& file)
         throw error(text_line(file.string(),
                               ": is built for another processor architecture; give one built for this machine"));
 }
+
+// A file that was cut off maps addresses behind its end, and touching those kills the process. What the loader
+// maps ends before the section headers, which stand last in what linkers write.
+void require_whole_file(const std::filesystem::path& file)
+{
+    struct elf64_header
+    {
+        unsigned char ident[16];
+        std::uint16_t type, machine;
+        std::uint32_t version;
+        std::uint64_t entry, program_headers, section_headers;
+        std::uint32_t flags;
+        std::uint16_t size, program_size, program_count, section_size, section_count, names;
+    };
+    static_assert(sizeof(elf64_header) == 64);
+    elf64_header header{};
+    std::ifstream(file, std::ios::binary).read(reinterpret_cast<char*>(&header), sizeof header);
+    std::error_code failure;
+    const std::uintmax_t bytes = std::filesystem::file_size(file, failure);
+    const std::uint64_t tables = std::uint64_t{header.section_size} * header.section_count;
+    if (failure || bytes < sizeof header || header.section_headers > bytes ||
+        tables > bytes - header.section_headers)
+        throw error(text_line(file.string(), ": is cut off; copy or build the plug-in file again"));
+}
 #endif
 } // namespace
 
@@ -84,6 +109,7 @@ shared_object::shared_object(const std::filesystem::path& file)
     require_readable_file(file);
 #ifdef __linux__
     require_our_machine(file);
+    require_whole_file(file);
 #endif
     // Absolute, because a bare file name would be searched for in the system's library folders.
     library_ = dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);

@@ -56,11 +56,12 @@ TEST(arguments, backgrounds_are_named_or_coloured)
     using pattern = media::background::pattern;
     EXPECT_EQ(parse_background("transparent").fill, pattern::transparent);
     EXPECT_EQ(parse_background("checker").fill, pattern::checker);
+    EXPECT_EQ(parse_background("#0f8").green, 255);
     const media::background color = parse_background("#0a80FF");
     EXPECT_EQ(color.fill, pattern::color);
     EXPECT_EQ(color.red, 0x0a);
     EXPECT_EQ(color.green, 0x80);
     EXPECT_EQ(color.blue, 0xff);
-    for (const char* text : {"", "black", "#fff", "0a80ff", "#0a80fg", "#-a80ff", "#0a80ff00"})
+    for (const char* text : {"", "black", "#ffff", "0a80ff", "#0a80fg", "#-a80ff", "#0a80ff00"})
         EXPECT_THROW(parse_background(text), usage_error) << text;
 }

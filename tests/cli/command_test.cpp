@@ -52,6 +52,13 @@ TEST_F(command, nonsense_is_status_two_and_one_line)
     EXPECT_TRUE(names().empty());
 }
 
+TEST_F(command, unknown_commands_are_named)
+{
+    const outcome result = run_tool({"rendr"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, error_line("\"rendr\""));
+}
+
 TEST_F(command, size_and_an_input_exclude_each_other)
 {
     media_test::write_all(at("in.png"), media_test::sized(4, 4), {media_test::noise(4, 4, 1)});

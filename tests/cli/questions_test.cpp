@@ -60,6 +60,10 @@ TEST_F(questions, inspect_reads_any_effect)
     EXPECT_EQ(run_tool({"inspect", path("none.so")}).status, 1);
     EXPECT_THAT(run_tool({"inspect", path("none.so")}).err, error_line("none.so"));
     media_test::put(at("text.so"), "no plug-in");
+    std::filesystem::copy_file(TEST_EFFECT, at("cut.so"));
+    std::filesystem::resize_file(at("cut.so"), std::filesystem::file_size(at("cut.so")) - 1);
+    EXPECT_EQ(run_tool({"inspect", path("cut.so")}).status, 1);
+    EXPECT_THAT(run_tool({"inspect", path("cut.so")}).err, error_line("cut off"));
     EXPECT_THAT(run_tool({"inspect", path("text.so")}).err, error_line("text.so"));
 }
 
@@ -75,6 +79,11 @@ TEST_F(questions, presets_are_listed_and_shown)
     EXPECT_EQ(run_tool({"presets", "show", "none"}, own_folder).status, 1);
     media_test::put(at("bad.json"), "{ not json");
     EXPECT_THAT(run_tool({"presets", "show", path("bad.json")}).err, error_line("bad.json"));
+    std::filesystem::copy(TEST_PRESETS, at(""));
+    const outcome mixed = run_tool({"presets"}, [this] { setenv("FILIGRANE_PRESETS", at("").c_str(), 1); });
+    EXPECT_EQ(mixed.status, 0);
+    EXPECT_THAT(mixed.out, HasSubstr("half-level")); // a broken file hides none of the others
+    EXPECT_THAT(mixed.err, HasSubstr("bad.json"));
 }
 
 TEST_F(questions, a_full_output_is_an_error)

@@ -134,7 +134,9 @@ TEST_F(render_command, backgrounds_lie_under_the_frame)
     EXPECT_THAT(shown("a.png", {"--background", "#640032"}), ElementsAre(255, 80, 20, 40));
     EXPECT_THAT(shown("a.png", {"--background", "checker"}), ElementsAre(255, 163, 183, 163));
     EXPECT_THAT(shown("a.bmp", {}), ElementsAre(255, 0, 20, 0)); // black where nothing is kept
-    EXPECT_THAT(shown("a.bmp", {"--background", "transparent"}), ElementsAre(255, 0, 20, 0));
+    const outcome unkept = render({"-o", path("b.bmp"), "--size", "4x4", "--background", "transparent"});
+    EXPECT_EQ(unkept.status, 2);
+    EXPECT_THAT(unkept.err, error_line("b.bmp"));
 }
 
 TEST_F(render_command, quiet_says_nothing_and_timing_prints_its_line)
