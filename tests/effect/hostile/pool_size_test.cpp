@@ -169,4 +169,19 @@ TEST(pool_sizes, go_up_to_what_the_frame_asks_for)
     render_in(kFullSize, c);
     EXPECT_EQ(strokes, 2 * hostile::kLines); // the counter finds every line
 }
+
+// On a canvas of 608 pixels a side the mask is larger than the table that is carved after it and would still fit.
+TEST(pool_sizes, that_hold_the_table_but_not_the_mask_draw_no_line)
+{
+    const frame_case c = hostile::case_named("one_colour")
+                             .with("Make Size Match Layer Size", "off")
+                             .with("Width", "480")
+                             .with("Height", "360");
+    const std::uint64_t mask = 608 * 608;
+    const outcome o = render_in(kWithContext + mask - 8, c);
+    EXPECT_EQ(o.complaint, "");
+    EXPECT_EQ(o.count("transform_world"), 1);
+    EXPECT_EQ(o.count("transfer_rect"), 0);
+    EXPECT_GT(render_in(kFullSize, c).count("transfer_rect"), 0);
+}
 } // namespace
