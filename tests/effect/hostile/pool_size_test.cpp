@@ -84,7 +84,7 @@ std::set<std::uint64_t> pool_sizes()
     for (std::uint64_t size = kWithRecord; size < kWithTable; size += 1001 * 8)
         sizes.insert(size);
     every_8(kWithTable, kWithTable + 512);
-    for (std::uint64_t size = kWithTable; size < kWithTable + kLinesAtMost; size += 15 * 8)
+    for (std::uint64_t size = kWithTable; size < kWithTable + kLinesAtMost; size += 14 * 8)
         sizes.insert(size);
     for (std::uint64_t size = kWithTable + kLinesAtMost; size < kFullSize; size += 8191 * 8)
         sizes.insert(size);
