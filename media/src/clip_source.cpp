@@ -1,10 +1,10 @@
 #include "argb_converter.hpp"
 #include "clip_rate.hpp"
 #include "frame_decoder.hpp"
+#include "orientation.hpp"
 #include "source.hpp"
 
 #include <algorithm>
-#include <cmath>
 #include <new>
 #include <string_view>
 
@@ -12,36 +12,6 @@ namespace media
 {
 namespace
 {
-// Quarter turns, clockwise, that show the stream upright.
-int quarter_turns(const AVStream* stream)
-{
-    const auto* matrix =
-        reinterpret_cast<const std::int32_t*>(av_stream_get_side_data(stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr));
-    if (matrix == nullptr)
-        return 0;
-    const double degrees = av_display_rotation_get(matrix); // counter-clockwise; NaN for a broken matrix
-    if (!std::isfinite(degrees))
-        return 0;
-    return (4 - static_cast<int>(std::lround(degrees / 90)) % 4) % 4;
-}
-
-void turn_clockwise(const_image_view from, int quarters, image_view to)
-{
-    for (int y = 0; y < to.height; ++y)
-        for (int x = 0; x < to.width; ++x)
-        {
-            int from_x = x;
-            int from_y = y;
-            if (quarters == 1)
-                from_x = y, from_y = from.height - 1 - x;
-            else if (quarters == 2)
-                from_x = from.width - 1 - x, from_y = from.height - 1 - y;
-            else if (quarters == 3)
-                from_x = from.width - 1 - y, from_y = x;
-            std::copy_n(from.row(from_y) + 4 * from_x, 4, to.row(y) + 4 * x);
-        }
-}
-
 // Times here are in the stream's time base; time 0 of the output is the first picture's.
 class clip_source : public reader::source
 {
@@ -52,7 +22,7 @@ public:
         if (!begin())
             throw error(name() + ": has no pictures in it");
         origin_ = time_of(*current_);
-        turns_ = quarter_turns(decoder_->stream());
+        orientation_ = orientation_of(decoder_->stream(), *current_);
         describe(rate);
     }
 
@@ -115,8 +85,8 @@ private:
     {
         const AVStream* stream = decoder_->stream();
         info.kind = source_kind::clip;
-        info.width = turns_ % 2 == 0 ? current_->width : current_->height;
-        info.height = turns_ % 2 == 0 ? current_->height : current_->width;
+        info.width = orientation_.shown_width(*current_);
+        info.height = orientation_.shown_height(*current_);
         info.rate = rate.value_or(clip_rate(stream));
         info.alpha = argb_converter::has_alpha(*current_);
         AVFormatContext* format = decoder_->file().format();
@@ -124,7 +94,7 @@ private:
             av_guess_sample_aspect_ratio(format, format->streams[stream->index], current_.get());
         if (aspect.num > 0 && aspect.den > 0)
             info.pixel_aspect =
-                turns_ % 2 == 0 ? rational{aspect.num, aspect.den} : rational{aspect.den, aspect.num};
+                orientation_.transposes ? rational{aspect.den, aspect.num} : rational{aspect.num, aspect.den};
         info.audio = av_find_best_stream(format, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0) >= 0;
         info.frames = count_frames();
     }
@@ -207,18 +177,17 @@ private:
 
     void show(image_view into)
     {
-        const int wanted_width = turns_ % 2 == 0 ? into.width : into.height;
-        const int wanted_height = turns_ % 2 == 0 ? into.height : into.width;
-        if (current_->width != wanted_width || current_->height != wanted_height)
+        if (orientation_.shown_width(*current_) != into.width ||
+            orientation_.shown_height(*current_) != into.height)
             throw error(name() + ": changes its size in the middle; convert it to one size first");
-        if (turns_ == 0)
+        if (orientation_.upright())
         {
             converter_.convert(*current_, decoder_->codec(), into);
             return;
         }
         picture lying(current_->width, current_->height);
         converter_.convert(*current_, decoder_->codec(), lying.view());
-        turn_clockwise(lying.view(), turns_, into);
+        set_upright(lying.view(), orientation_, into);
     }
 
     std::filesystem::path path_;
@@ -230,7 +199,7 @@ private:
     std::int64_t untimed_ = 0; // time of the next picture, should the container give none
     std::int64_t origin_ = 0;
     std::optional<std::int64_t> known_end_;
-    int turns_ = 0;
+    orientation orientation_;
 };
 } // namespace
 

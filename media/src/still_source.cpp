@@ -2,9 +2,11 @@
 
 #include "argb_converter.hpp"
 #include "media/sequence_name.hpp"
+#include "orientation.hpp"
 #include "source.hpp"
 
 #include <cstring>
+#include <utility>
 
 namespace media
 {
@@ -89,6 +91,12 @@ decoded_still decode_still(frame_decoder& file)
     still.pixels = picture(frame->width, frame->height);
     still.alpha = argb_converter::has_alpha(*frame);
     argb_converter().convert(*frame, file.codec(), still.pixels.view());
+    const orientation how = orientation_of(file.stream(), *frame);
+    if (how.upright())
+        return still;
+    picture upright(how.shown_width(*frame), how.shown_height(*frame));
+    set_upright(still.pixels.view(), how, upright.view());
+    still.pixels = std::move(upright);
     return still;
 }
 

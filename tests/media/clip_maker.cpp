@@ -63,6 +63,14 @@ struct track
     }
 };
 
+void set_axes(AVStream* stream, const std::array<int, 4>& axes)
+{
+    const std::int32_t matrix[9] = {axes[0] * 65536, axes[1] * 65536, 0, axes[2] * 65536, axes[3] * 65536, 0, 0, 0,
+                                    1 << 30};
+    std::uint8_t* data = av_stream_new_side_data(stream, AV_PKT_DATA_DISPLAYMATRIX, sizeof matrix);
+    std::memcpy(data, matrix, sizeof matrix);
+}
+
 void send_pictures(track& video, const clip_recipe& recipe)
 {
     for (std::size_t i = 0; i < recipe.frames.size(); ++i)
@@ -127,6 +135,7 @@ void make_clip(const std::filesystem::path& file, const clip_recipe& recipe)
         video.codec->time_base = {1, recipe.time_base_den};
         video.codec->gop_size = 4;
         video.open();
+        set_axes(video.stream, recipe.axes);
         const bool sound = !recipe.audio_encoder.empty();
         std::optional<track> audio;
         if (sound)

@@ -3,6 +3,7 @@
 
 #include "media/image.hpp"
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -23,6 +24,8 @@ struct clip_recipe
     std::string muxer = "mov"; // the video is run-length coded, without loss
     std::string audio_encoder; // empty: no sound; "aac" or "pcm_s16le", 48 kHz, one channel
     double audio_seconds = 0.0;
+    // Where the stored x axis (first two) and y axis (last two) point in the shown picture; x, y as 1, 0 or -1.
+    std::array<int, 4> axes{1, 0, 0, 1};
 };
 
 void make_clip(const std::filesystem::path& file, const clip_recipe& recipe);

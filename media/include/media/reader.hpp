@@ -21,7 +21,7 @@ enum class source_kind
 struct source_info
 {
     source_kind kind = source_kind::still;
-    int width = 0; // as shown: a clip's quarter turns are undone
+    int width = 0; // as shown: upright, however the file stores it
     int height = 0;
     rational rate{25, 1};               // frames per second
     rational pixel_aspect{1, 1};        // width to height of one pixel
