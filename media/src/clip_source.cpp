@@ -166,12 +166,15 @@ private:
             throw error(name() + ": has no pictures in it");
     }
 
-    // QuickTime's tables tell how long the pictures last; an end well before that is a file cut short.
+    // QuickTime's tables tell how long the pictures last; an end well before that is a file cut short. Matroska's
+    // times do not tell it as surely, for a last picture may be meant to stay: there the file's own length counts.
     void require_complete() const
     {
         const AVStream* stream = decoder_->stream();
         const bool told = std::string_view(decoder_->file().format()->iformat->name).starts_with("mov");
-        if (told && stream->duration > 0 && end_of_current() - origin_ + 2 * nominal_duration() < stream->duration)
+        const bool early =
+            told && stream->duration > 0 && end_of_current() - origin_ + 2 * nominal_duration() < stream->duration;
+        if (early || decoder_->file().is_cut_off())
             throw error(name() + ": the file is cut off (its pictures end too early); copy or export it anew");
     }
 

@@ -1,5 +1,7 @@
 #include "input_file.hpp"
 
+#include "stated_size.hpp"
+
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -118,5 +120,12 @@ bool input_file::is_picture() const
 {
     const std::string demuxer = format_->iformat->name;
     return demuxer.ends_with("_pipe");
+}
+
+bool input_file::is_cut_off() const
+{
+    struct stat status = {};
+    const std::optional<std::uint64_t> stated = stated_size(descriptor_);
+    return stated && ::fstat(descriptor_, &status) == 0 && static_cast<std::uint64_t>(status.st_size) < *stated;
 }
 } // namespace media

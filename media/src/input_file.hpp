@@ -21,6 +21,8 @@ public:
     const std::string& name() const { return name_; }
     // Whether the container holds one picture and nothing else.
     bool is_picture() const;
+    // Whether the file ends before the container says; not every container tells.
+    bool is_cut_off() const;
 
 private:
     void open_bytes(const std::filesystem::path& path);

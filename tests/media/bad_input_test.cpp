@@ -1,4 +1,5 @@
 // Files that cannot be read, or only in part: one line that names them, never a crash or a silent half.
+#include "clip_maker.hpp"
 #include "temporary_folder.hpp"
 
 using namespace media_test;
@@ -109,6 +110,42 @@ TEST_F(bad_input, a_cut_off_clip_is_refused)
             expect_named(reading_error(at(name)), at(name));
         }
     }
+}
+
+TEST_F(bad_input, a_cut_off_matroska_clip_is_refused_and_a_whole_one_read)
+{
+    clip_recipe recipe;
+    recipe.muxer = "matroska";
+    recipe.video_encoder = "png";
+    recipe.audio_encoder = "pcm_s16le";
+    recipe.audio_seconds = 9.0; // far longer than the pictures
+    for (int i = 0; i < 20; ++i)
+        recipe.frames.push_back({i, make_opaque(noise(64, 48, static_cast<unsigned>(i)))});
+    recipe.frames.back().time = 40;
+    make_clip(at("a.mkv"), recipe);
+    EXPECT_EQ(reading_error(at("a.mkv")), "");
+    const std::string whole = contents(at("a.mkv"));
+    for (int percent : {1, 20, 50, 60, 80, 95})
+    {
+        put(at("a.mkv"), whole.substr(0, whole.size() * static_cast<std::size_t>(percent) / 100));
+        SCOPED_TRACE("cut at " + std::to_string(percent) + " %");
+        expect_named(reading_error(at("a.mkv")), at("a.mkv"));
+    }
+}
+
+TEST_F(bad_input, a_clip_of_unstated_length_is_read_to_its_end)
+{
+    clip_recipe recipe;
+    recipe.muxer = "matroska";
+    recipe.video_encoder = "png";
+    for (int i = 0; i < 20; ++i)
+        recipe.frames.push_back({i, make_opaque(noise(64, 48, static_cast<unsigned>(i)))});
+    make_clip(at("a.mkv"), recipe);
+    std::string bytes = contents(at("a.mkv"));
+    const std::size_t size_at = bytes.find("\x18\x53\x80\x67") + 4;
+    bytes.replace(size_at, 8, "\x01\xFF\xFF\xFF\xFF\xFF\xFF\xFF");
+    put(at("a.mkv"), bytes.substr(0, bytes.size() * 6 / 10));
+    EXPECT_EQ(reading_error(at("a.mkv")), "");
 }
 
 TEST_F(bad_input, sound_alone_has_no_pictures)

@@ -78,7 +78,7 @@ void send_pictures(track& video, const clip_recipe& recipe)
         const timed_frame& timed = recipe.frames[i];
         const bool last = i + 1 == recipe.frames.size();
         AVFrame* frame = av_frame_alloc();
-        frame->format = AV_PIX_FMT_ARGB;
+        frame->format = video.codec->pix_fmt;
         frame->width = timed.picture.width();
         frame->height = timed.picture.height();
         check(av_frame_get_buffer(frame, 0));
@@ -128,10 +128,10 @@ void make_clip(const std::filesystem::path& file, const clip_recipe& recipe)
     AVFormatContext* format = nullptr;
     check(avformat_alloc_output_context2(&format, nullptr, recipe.muxer.c_str(), file.c_str()));
     {
-        track video(format, "qtrle");
+        track video(format, recipe.video_encoder.c_str());
         video.codec->width = recipe.frames.front().picture.width();
         video.codec->height = recipe.frames.front().picture.height();
-        video.codec->pix_fmt = AV_PIX_FMT_ARGB;
+        video.codec->pix_fmt = recipe.video_encoder == "png" ? AV_PIX_FMT_RGBA : AV_PIX_FMT_ARGB;
         video.codec->time_base = {1, recipe.time_base_den};
         video.codec->gop_size = 4;
         video.open();

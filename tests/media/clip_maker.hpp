@@ -20,9 +20,10 @@ struct timed_frame
 struct clip_recipe
 {
     std::vector<timed_frame> frames;
-    int time_base_den = 10;    // units per second
-    std::string muxer = "mov"; // the video is run-length coded, without loss
-    std::string audio_encoder; // empty: no sound; "aac" or "pcm_s16le", 48 kHz, one channel
+    int time_base_den = 10; // units per second
+    std::string muxer = "mov";
+    std::string video_encoder = "qtrle"; // without loss; "png" for Matroska, with bytes taken as R, G, B, A
+    std::string audio_encoder;           // empty: no sound; "aac" or "pcm_s16le", 48 kHz, one channel
     double audio_seconds = 0.0;
     // Where the stored x axis (first two) and y axis (last two) point in the shown picture; x, y as 1, 0 or -1.
     std::array<int, 4> axes{1, 0, 0, 1};
