@@ -180,7 +180,7 @@ void sp_line::sort() noexcept
 
 void sp_line::insert_distortion(const fpoint_t* pts, int n) noexcept
 {
-    for (int i = 0; i < n && num_points < max_points && num_points < room; ++i)
+    for (int i = 0; i < n && takes_points(); ++i)
     {
         points[num_points].x = pts[i].x;
         points[num_points].y = pts[i].y;

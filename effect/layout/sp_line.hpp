@@ -40,6 +40,7 @@ public:
     explicit sp_line(const sp_line* other);
 
     // Appends points while there is room; not sorted.
+    bool takes_points() const noexcept { return num_points < max_points && num_points < room; }
     void insert_distortion(const fpoint_t* pts, int n) noexcept;
 
     // The across coordinate at running position t, linear, over points in descending running order. False outside
@@ -75,7 +76,12 @@ public:
     std::int64_t room = 0; // points carved
 
 private:
+    friend class falling_values;
+
     sp_line(frame_data* frame, unsigned char vertical) noexcept;
+
+    // The across coordinate at `at` on the falling segment from p0 to p1; false off it (p0's position included).
+    bool on_segment(const curve_pt_t& p0, const curve_pt_t& p1, double at, float* out) const noexcept;
 
     double run(const curve_pt_t& p) const noexcept { return vertical != 0 ? p.y : p.x; }
     double across(const curve_pt_t& p) const noexcept { return vertical != 0 ? p.x : p.y; }

@@ -1,20 +1,68 @@
+#include "effect/layout/falling_values.hpp"
 #include "effect/layout/sp_line.hpp"
+
+#include <algorithm>
+#include <limits>
+
+bool sp_line::on_segment(const curve_pt_t& p0, const curve_pt_t& p1, double at, float* out) const noexcept
+{
+    const double r0 = run(p0);
+    const double r1 = run(p1);
+    if (!(r1 <= at && at < r0))
+        return false;
+    const double a0 = across(p0);
+    const double a1 = across(p1);
+    const auto f = static_cast<float>((at - r0) / (r0 - r1));
+    *out = static_cast<float>(a0 + static_cast<double>(f) * (a0 - a1));
+    return true;
+}
 
 bool sp_line::value(const curve_pt_t* pts, int n, float t, float* out) const noexcept
 {
-    const auto at = static_cast<double>(t);
     for (int i = n - 1; i >= 1; --i)
+        if (on_segment(pts[i - 1], pts[i], static_cast<double>(t), out))
+            return true;
+    return false;
+}
+
+bool falling_values::fall(const sp_line& line) noexcept
+{
+    for (int i = 1; i < line.num_points; ++i)
+        if (!(line.run(line.points[i]) <= line.run(line.points[i - 1])))
+            return false;
+    return true;
+}
+
+falling_values::falling_values(const sp_line& line, double* highest) noexcept
+    : line_(line), highest_(highest), count_(line.num_points), falling_(fall(line))
+{
+    if (falling_ || highest_ == nullptr)
+        return;
+    double above = -std::numeric_limits<double>::infinity();
+    for (int i = count_ - 1; i >= 1; --i)
     {
-        const double r0 = run(pts[i - 1]);
-        const double r1 = run(pts[i]);
-        if (!(r1 <= at && at < r0))
-            continue;
-        const double a0 = across(pts[i - 1]);
-        const double a1 = across(pts[i]);
-        const auto f = static_cast<float>((at - r0) / (r0 - r1));
-        *out = static_cast<float>(a0 + static_cast<double>(f) * (a0 - a1));
-        return true;
+        above = std::max(above, line_.run(line_.points[i - 1])); // a position that is no number bounds nothing
+        highest_[i] = above;
     }
+}
+
+bool falling_values::value(float t, float* out) noexcept
+{
+    const auto at = static_cast<double>(t);
+    const curve_pt_t* const points = line_.points;
+    if (falling_)
+    {
+        while (cursor_ < count_ && line_.run(points[cursor_]) > at)
+            ++cursor_;
+        return cursor_ >= 1 && cursor_ < count_ && line_.on_segment(points[cursor_ - 1], points[cursor_], at, out);
+    }
+    if (highest_ == nullptr)
+        return line_.value(points, count_, t, out);
+    while (cursor_ + 1 < count_ && highest_[cursor_ + 1] > at)
+        ++cursor_;
+    for (int i = cursor_; i >= 1; --i)
+        if (line_.on_segment(points[i - 1], points[i], at, out))
+            return true;
     return false;
 }
 

@@ -152,8 +152,7 @@ TEST(sp_line, of_no_quality_has_no_points)
 TEST(sp_line, a_maximum_beyond_32_bits_is_kept)
 {
     frame_bench b;
-    b.host.in_data.quality = 100000000;
-    b.set_up();
+    b.frame.qualityStep = static_cast<float>(1.0 / 100000001.0);
     const sp_line line(&b.frame, kHorizontal, {90, 5}, {10, 7});
     EXPECT_EQ(line.max_points, static_cast<std::int64_t>(288.0f / static_cast<float>(1.0 / 100000001.0)));
     EXPECT_GT(line.max_points, 28'000'000'000);
