@@ -4,9 +4,11 @@
 #include "effect/model/curve.hpp"
 #include "effect/model/frame_data.hpp"
 #include "effect/model/numeric.hpp"
+#include "effect/model/work_limits.hpp"
 #include "effect/shell/mem_pool.hpp"
 
 #include <algorithm>
+#include <limits>
 
 namespace
 {
@@ -40,14 +42,6 @@ struct crossing
 
     // Where along the straight line sample m of the bend lies.
     float position(int m) const { return (across - reach) + static_cast<float>(m); }
-};
-
-// Samples of the bend: one a pixel over twice its reach.
-struct bend_samples
-{
-    fpoint_t* points;     // count of them, and one more
-    std::uint8_t* placed; // 1 where the first knot gave the sample a place
-    int count;
 };
 
 // The direction of the ripple at the crossing, from its rise `d` over the run `e`. `previous` is kept for the one
@@ -93,60 +87,75 @@ void build_knots(const crossing& x, sp_line** knots)
     }
 }
 
-// The first knot's line, and each further one's departure from the straight line at half the weight of the one
-// before.
-void sample_bend(const crossing& x, sp_line* const* knots, const bend_samples& bend)
+// Sample m of the bend: the first knot's line, and each further one's departure from the straight line at half the
+// weight of the one before. False where the first knot gives it no place.
+bool bend_sample(const crossing& x, sp_line* const* knots, int m, fpoint_t* out)
 {
     const auto pow = x.frame.in_data->utils->ansi.pow;
-    for (int m = 0; m < bend.count; ++m)
-    {
-        float v = 0.0f;
-        if (!knots[1]->value(x.position(m), &v))
-            continue;
-        bend.points[m] = x.bend_point(static_cast<double>(v), x.position(m));
-        bend.placed[m] = 1;
-    }
+    const float at = x.position(m);
+    float v = 0.0f;
+    if (!knots[1]->value(at, &v))
+        return false;
+    *out = x.bend_point(static_cast<double>(v), at);
+    double& across = x.vertical() ? out->x : out->y;
     for (int k = 2; k < x.ripple.harmonics(); ++k)
-    {
-        for (int m = 0; knots[k] != nullptr && m < bend.count; ++m)
-        {
-            float v = 0.0f;
-            if (!knots[k]->value(x.position(m), &v))
-                continue;
-            double& across = x.vertical() ? bend.points[m].x : bend.points[m].y;
+        if (knots[k] != nullptr && knots[k]->value(at, &v))
             across += static_cast<double>(v - x.p) / pow(2.0, static_cast<double>(k - 1));
-        }
-    }
+    return true;
 }
 
-// Every sample but a last fractional one; or, with angular lines, `tolerance` + 2 of them evenly spread, the last
-// of which may be the point where the bend ends.
-void append_bend(const crossing& x, const bend_samples& bend, sp_line& straight)
+// Where the first knot's line ends; below every number where no part of it runs forward.
+double bend_end(const crossing& x, const sp_line& knot)
+{
+    double end = -std::numeric_limits<double>::infinity();
+    for (int i = 0; i + 1 < knot.num_points; ++i)
+    {
+        const double from = x.vertical() ? knot.points[i].y : knot.points[i].x;
+        const double to = x.vertical() ? knot.points[i + 1].y : knot.points[i + 1].x;
+        if (from < to)
+            end = std::max(end, to);
+    }
+    return end;
+}
+
+// Of `count` samples, one a pixel over twice the reach, appends every one but a last fractional one; or, with
+// angular lines, `tolerance` + 2 of them evenly spread, the last of which may be the point where the bend ends.
+// Samples that find no room are not looked at.
+void append_bend(const crossing& x, sp_line* const* knots, int count, sp_line& straight)
 {
     const float length = 2.0f * x.reach;
+    const double end = bend_end(x, *knots[1]);
     if (x.frame.angularLines == 0)
     {
-        const int whole = std::min(trunc_i32(static_cast<double>(length)), bend.count);
-        for (int m = 0; m < whole; ++m)
-            if (bend.placed[m] != 0)
-                straight.insert_distortion(&bend.points[m], 1);
+        const int whole = std::min(trunc_i32(static_cast<double>(length)), count);
+        for (int m = 0; m < whole && straight.takes_points() && static_cast<double>(x.position(m)) < end; ++m)
+        {
+            fpoint_t point{};
+            if (bend_sample(x, knots, m, &point))
+                straight.insert_distortion(&point, 1);
+        }
         return;
     }
     const std::int64_t segments = std::int64_t{x.frame.tolerance} + 1;
     const float step = length / static_cast<float>(segments);
-    for (std::int64_t j = 0; j <= segments && straight.num_points < straight.max_points; ++j)
+    for (std::int64_t j = 0; j <= std::min(segments, kMostBendSegments) && straight.takes_points(); ++j)
     {
         const int m = trunc_i32(static_cast<double>(static_cast<float>(j) * step));
-        if (m >= bend.count)
-        {
-            const fpoint_t end = x.bend_point(static_cast<double>(x.p), x.across + x.reach);
-            straight.insert_distortion(&end, 1);
-        }
-        else if (m >= 0 && bend.placed[m] != 0)
-        {
-            straight.insert_distortion(&bend.points[m], 1);
-        }
+        fpoint_t point{};
+        if (m >= count)
+            point = x.bend_point(static_cast<double>(x.p), x.across + x.reach);
+        else if (m < 0 || !bend_sample(x, knots, m, &point))
+            continue;
+        straight.insert_distortion(&point, 1);
     }
+}
+
+// Whether the pool has room for a place and a mark for each sample of a bend. A bend is only made where it has.
+bool has_room_for(const mem_pool& pool, int count) noexcept
+{
+    const auto samples = static_cast<std::uint64_t>(count);
+    const std::uint64_t places = (samples + 1) * sizeof(fpoint_t);
+    return places <= pool.remaining && samples <= pool.remaining - places;
 }
 } // namespace
 
@@ -163,6 +172,8 @@ void distort_crossing(frame_data& frame, Loom::RandomGenerator32& rng, const cur
     if (reach < 1.0f)
         reach = 0.0f;
     const crossing x = {frame, ripple, straight, ripple_across, p, q, reach};
+    if (!straight.takes_points())
+        return;
 
     void* const mark = pool->next;
     auto* const knots = pool_array<sp_line*>(pool, std::int64_t{ripple.harmonics()} + 1);
@@ -172,15 +183,8 @@ void distort_crossing(frame_data& frame, Loom::RandomGenerator32& rng, const cur
     const float length = 2.0f * reach;
     const int whole = trunc_i32(static_cast<double>(length));
     const int count = wrap_add(whole, static_cast<float>(whole) < length ? 1 : 0);
-    if (knots != nullptr && ripple.harmonics() > 1 && knots[1] != nullptr && count > 0)
-    {
-        const bend_samples bend = {pool_array<fpoint_t>(pool, std::int64_t{count} + 1),
-                                   pool_array<std::uint8_t>(pool, count), count};
-        if (bend.points != nullptr && bend.placed != nullptr)
-        {
-            sample_bend(x, knots, bend);
-            append_bend(x, bend, straight);
-        }
-    }
+    if (knots != nullptr && ripple.harmonics() > 1 && knots[1] != nullptr && count > 0 &&
+        has_room_for(*pool, count))
+        append_bend(x, knots, count, straight);
     pool_release(pool, mark);
 }

@@ -4,7 +4,10 @@
 #include "effect/model/frame_data.hpp"
 #include "effect/model/matrix.hpp"
 #include "effect/model/numeric.hpp"
+#include "effect/model/work_limits.hpp"
 #include "effect/raster/aeg.hpp"
+
+#include <algorithm>
 
 namespace
 {
@@ -109,13 +112,13 @@ void show_grid(const frame_data& frame, bool displacement_pass, PF_EffectWorld* 
 {
     PF_InData* const in_data = frame.in_data;
     const PF_Pixel color = {127, static_cast<A_u_char>(displacement_pass ? 0 : 255), 0, 0};
-    for (A_long c = 1; c < frame.columns; ++c)
+    for (A_long c = 1; c < std::min(frame.columns, kMostLines); ++c)
     {
         const A_long x = wrap_add(frame.marginX, wrap_mul(c, frame.columnSpacing));
         const PF_Rect rect = {x, frame.marginY, wrap_add(x, 1), wrap_add(frame.marginY, frame.height)};
         in_data->utils->fill(in_data->effect_ref, &color, &rect, world);
     }
-    for (A_long r = 1; r < frame.rows; ++r)
+    for (A_long r = 1; r < std::min(frame.rows, kMostLines); ++r)
     {
         const A_long y = wrap_add(frame.marginY, wrap_mul(r, frame.rowSpacing));
         const PF_Rect rect = {frame.marginX, y, wrap_add(frame.marginX, frame.width), wrap_add(y, 1)};

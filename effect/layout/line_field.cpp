@@ -7,6 +7,7 @@
 #include "effect/model/grid.hpp"
 #include "effect/model/numeric.hpp"
 #include "effect/model/random.hpp"
+#include "effect/model/work_limits.hpp"
 #include "effect/shell/param_ids.hpp"
 
 #include <algorithm>
@@ -27,12 +28,12 @@ struct direction
 
 direction columns_of(const frame_data& f)
 {
-    return {1, f.columns, f.columnSpacing, f.marginX, f.marginY, f.height};
+    return {1, std::min(f.columns, kMostLines), f.columnSpacing, f.marginX, f.marginY, f.height};
 }
 
 direction rows_of(const frame_data& f)
 {
-    return {0, f.rows, f.rowSpacing, f.marginY, f.marginX, f.width};
+    return {0, std::min(f.rows, kMostLines), f.rowSpacing, f.marginY, f.marginX, f.width};
 }
 
 // Where the lines of a direction start and how they grow, with "Lines Have Ends".
@@ -144,13 +145,34 @@ private:
                 static_cast<float>(static_cast<double>(g.start) + MATH_Rand_IMP(rng_).random(-spread, spread) +
                                    static_cast<double>(g.offset));
             const float start = std::max(static_cast<float>(d.start), wanted);
-            const float grown = sum_param_rnd(rng_, frame_.in_data, g.growth_param, kGrowthRandomness,
-                                              static_cast<int>(frame_.frameNumber));
+            const float grown =
+                sum_param_rnd(rng_, frame_.in_data, g.growth_param, kGrowthRandomness, growth_frames());
             const float length =
                 rand_param(rng_, static_cast<float>(g.length), static_cast<float>(frame_.lengthRandomness));
             draw_ended(d, ripple, place(d, i, jitter), start, end_of(d, start, grown, length), width);
             pool_release(frame_.pool, ripple);
         }
+    }
+
+    // The last frame that growth is summed up to.
+    int growth_frames() const
+    {
+        const std::int64_t lines =
+            std::int64_t{std::max(columns_of(frame_).count, 0)} + std::max(rows_of(frame_).count, 0);
+        return static_cast<int>(
+            std::min(frame_.frameNumber, kMostGrowthFrames / std::max<std::int64_t>(lines, 1)));
+    }
+
+    // A line sampled from a ripple; null where the pool has no room for it or the render has had its points.
+    sp_line* rippled_line(const direction& d, const curve* ripple, double across, short from, short to)
+    {
+        if (points_left_ <= 0)
+            return nullptr;
+        const fpoint_t at = {across, 0.0};
+        sp_line* const line = pool_new<sp_line>(frame_.pool, &frame_, d.vertical, at, ripple, from, to);
+        if (line != nullptr)
+            points_left_ -= line->room;
+        return line;
     }
 
     // Where a line ends that has grown by `grown` out of at most `length`; at the grid's far edge unless lines
@@ -171,8 +193,7 @@ private:
         const auto side = static_cast<float>(frame_.squareSize);
         const short from = trunc_i16(static_cast<double>(side - end));
         const short to = trunc_i16(static_cast<double>(side - start));
-        const fpoint_t at = {across, 0.0};
-        sp_line* const line = pool_new<sp_line>(frame_.pool, &frame_, d.vertical, at, ripple, from, to);
+        sp_line* const line = rippled_line(d, ripple, across, from, to);
         if (line != nullptr)
             line->draw(rng_, context_, width);
     }
@@ -215,9 +236,7 @@ private:
 
     sp_line* endless_line(const direction& d, const curve* ripple, double across)
     {
-        const fpoint_t at = {across, 0.0};
-        return pool_new<sp_line>(frame_.pool, &frame_, d.vertical, at, ripple, low_i16(d.start),
-                                 low_i16(wrap_add(d.start, d.length)));
+        return rippled_line(d, ripple, across, low_i16(d.start), low_i16(wrap_add(d.start, d.length)));
     }
 
     sp_line* straight_line(const direction& d, double across)
@@ -233,6 +252,7 @@ private:
     frame_data& frame_;
     aeg* context_;
     Loom::RandomGenerator32 rng_;
+    std::int64_t points_left_ = kMostRipplePoints;
 };
 } // namespace
 

@@ -3,8 +3,15 @@
 #include "effect/model/frame_data.hpp"
 #include "effect/model/numeric.hpp"
 
+#include <algorithm>
+
 namespace
 {
+// An index is 16 bits wide, and the sample after it is read, too. A ripple that has slid for hours has more
+// samples than that; those are never read, and neither cleared nor drawn (the generator ends with the
+// constructor).
+constexpr std::int64_t kReadable = 32769;
+
 std::int16_t octave_count(float turbulence) noexcept
 {
     if (turbulence < 2.0f)
@@ -18,7 +25,7 @@ std::int16_t octave_count(float turbulence) noexcept
 std::int64_t sample_count(std::int64_t count, std::int16_t bands) noexcept
 {
     constexpr std::int64_t kMost = std::int64_t{1} << 56; // far above any pool, far below an overflow
-    if (count < 0 || count > kMost || bands < 0)
+    if (count < 0 || count > kMost)
         return -1;
     return count * (bands + 1);
 }
@@ -43,7 +50,12 @@ curve::curve(frame_data* frame, unsigned int seed, int skip, std::int64_t phase,
         static_cast<float>(ansi.hypot(static_cast<double>(frame->height), static_cast<double>(frame->width)));
     count_ = trunc_i64(static_cast<double>(static_cast<float>(phase) * speed_ + diagonal));
     const std::int64_t drawn = sample_count(count_, bands_);
-    samples_ = drawn < 0 ? nullptr : pool_array<float>(frame->pool, drawn + 1);
+    if (drawn < 0)
+        return;
+    const std::int64_t read = std::min(drawn + 1, kReadable);
+    samples_ =
+        static_cast<float*>(pool_alloc_used(frame->pool, static_cast<std::uint64_t>(drawn + 1) * sizeof(float),
+                                            static_cast<std::uint64_t>(read) * sizeof(float)));
     if (samples_ == nullptr)
         return;
 
@@ -51,7 +63,7 @@ curve::curve(frame_data* frame, unsigned int seed, int skip, std::int64_t phase,
     for (int i = 0; i < skip; ++i)
         rand.random();
     const auto reach = static_cast<double>(amplitude_);
-    for (std::int64_t i = 0; i < drawn; ++i)
+    for (std::int64_t i = 0; i < std::min(drawn, read); ++i)
         samples_[i] = static_cast<float>(rand.random(-reach, reach));
 }
 

@@ -80,6 +80,7 @@ public:
     std::int32_t verticalOffset = 0; // pixels
     std::int32_t horizontalOffset = 0;
     std::uint8_t lineWrapping = 0;
+    std::int64_t piecesDrawn = 0;     // of wrapped lines, so far
     float rippleWavelength = 0.0f;    // pixels
     float frequencyRandomness = 0.0f; // percent, not truncated
     float rippleSize = 0.0f;          // pixels

@@ -2,6 +2,7 @@
 
 #include "effect/model/frame_data.hpp"
 #include "effect/model/numeric.hpp"
+#include "effect/model/work_limits.hpp"
 #include "effect/shell/param_ids.hpp"
 
 #include <algorithm>
@@ -162,7 +163,7 @@ void set_up_displacement(frame_data& frame, const param_reader& p)
 
 void set_up_rasteriser(frame_data& frame)
 {
-    const double quality = static_cast<double>(frame.in_data->quality);
+    const auto quality = static_cast<double>(std::min(frame.in_data->quality, kMostQuality));
     frame.qualityStep = static_cast<float>(1.0 / (quality + 1.0));
 
     LineCreatorClass& creator = frame.lineCreator;

@@ -16,9 +16,9 @@ struct mem_pool
     std::uint64_t remaining; // bytes still free after `next`; always a multiple of 8
 };
 
-// `bytes` bytes, zero-filled, or null where they do not fit (then nothing changes). A request is rounded up to a
-// multiple of 8, so that what is carved next stays aligned.
-inline void* pool_alloc(mem_pool* pool, std::uint64_t bytes) noexcept
+// `bytes` bytes of which the first `used` are zero-filled, or null where they do not fit (then nothing changes). A
+// request is rounded up to a multiple of 8, so that what is carved next stays aligned.
+inline void* pool_alloc_used(mem_pool* pool, std::uint64_t bytes, std::uint64_t used) noexcept
 {
     if (bytes > pool->remaining)
         return nullptr;
@@ -26,8 +26,14 @@ inline void* pool_alloc(mem_pool* pool, std::uint64_t bytes) noexcept
     void* block = pool->next;
     pool->next += rounded;
     pool->remaining -= rounded;
-    std::memset(block, 0, rounded);
+    std::memset(block, 0, used < bytes ? used : rounded);
     return block;
+}
+
+// The same, all of it zero-filled.
+inline void* pool_alloc(mem_pool* pool, std::uint64_t bytes) noexcept
+{
+    return pool_alloc_used(pool, bytes, bytes);
 }
 
 // Room for `count` zero-filled records of type T, or null where the count is negative or does not fit. Constructs

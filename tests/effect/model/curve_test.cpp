@@ -215,6 +215,41 @@ TEST(curve, without_room_has_no_samples_and_no_values)
     EXPECT_FALSE(none.F(1, 0.0f, &v));
 }
 
+TEST(curve, of_more_samples_than_can_be_counted_has_none)
+{
+    frame_bench b;
+    const std::uint64_t before = b.memory.pool.remaining;
+    const curve c(&b.frame, 1, 0, std::int64_t{1} << 60, 3.0f); // 5 pixels a frame
+    EXPECT_FALSE(c.sampled());
+    EXPECT_EQ(b.memory.pool.remaining, before);
+}
+
+// Indices are 16 bits wide: what lies beyond keeps its room, but is neither cleared nor drawn.
+TEST(curve, draws_only_the_samples_that_an_index_can_name)
+{
+    constexpr std::size_t kPool = 8 << 20;
+    frame_bench b(200, 200, kPool);
+    b.host.set(kSpeed, 1);
+    b.set_up();
+    std::byte* const carved = b.memory.pool.next;
+    const std::byte poison = *(carved + (4 << 20));
+    const ripple_pair pair(b, 7, 100000, 2.0f);
+    EXPECT_GT(b.memory.pool.next - carved, (100000 + 282) * 3 * 4);
+    std::byte* const named_end = carved + 32769 * sizeof(float);
+    for (const std::byte* p = named_end; p < b.memory.pool.next; ++p)
+        ASSERT_EQ(*p, poison) << p - carved;
+    // The base octave alone stays below 2^15 steps, up to the last sample that an index can name.
+    float value = 0.0f;
+    float plain = 0.0f;
+    const float last = (32767.0f + 0.5f) * b.frame.rippleWavelength;
+    for (float t = last - 40.0f; t < last; t += 7.0f)
+    {
+        ASSERT_TRUE(pair.effect.f(t, &value));
+        ASSERT_TRUE(pair.plain.base(t, &plain));
+        EXPECT_EQ(value, plain) << t;
+    }
+}
+
 TEST(curve, a_wavelength_of_0_has_no_value)
 {
     frame_bench b;

@@ -312,7 +312,8 @@ TEST(frame_setup, quality_is_the_sampling_step)
     EXPECT_EQ(b.frame.lineCreator.samplesPerPixel, 0);
     b.host.in_data.quality = std::numeric_limits<A_long>::max();
     b.set_up();
-    EXPECT_EQ(b.frame.lineCreator.samplesPerPixel, kMinimum); // 2^31 does not fit
+    EXPECT_EQ(b.frame.lineCreator.samplesPerPixel, 8); // no host asks for more than 2
+    EXPECT_EQ(b.frame.qualityStep, 1.0f / 8.0f);
 }
 
 TEST(frame_setup, rasteriser_has_three_set_ups)

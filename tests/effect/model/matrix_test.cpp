@@ -181,3 +181,12 @@ TEST(pt_perp, points_that_coincide_have_none)
     EXPECT_EQ(x, 0);
     EXPECT_FALSE(AEG_PtPerp(&x, &y, 4, 5, 4.004, 5, 1, 1)); // 0.000016
 }
+
+TEST(pt_perp, points_that_are_no_numbers_have_a_foot_that_is_none)
+{
+    double x = 9;
+    double y = 9;
+    EXPECT_FALSE(AEG_PtPerp(&x, &y, std::nan(""), 5, 4, 5, 1, 1));
+    EXPECT_TRUE(std::isnan(x));
+    EXPECT_TRUE(std::isnan(y));
+}
