@@ -1,46 +1,10 @@
 #include "effect/model/numeric.hpp"
 #include "effect/raster/aeg.hpp"
 #include "effect/raster/line_creator.hpp"
+#include "effect/raster/nearest_sample.hpp"
 
 #include <algorithm>
 #include <cmath>
-
-namespace
-{
-// The nearest sample so far, seen from one pixel's centre.
-struct nearest_sample
-{
-    float best = 16777215.0f; // squared distance
-    float radius = 0.0f;
-    float row_offset = 0.0f; // pixel centre minus candidate, in y, whatever the main axis
-    PF_Pixel color = {255, 0, 0, 0};
-};
-
-struct candidate
-{
-    float x;
-    float y;
-};
-
-float squared_distance(float center_x, float center_y, candidate c) noexcept
-{
-    const float dx = center_x - c.x;
-    const float dy = center_y - c.y;
-    return dx * dx + dy * dy;
-}
-
-A_u_char mix_channel(A_u_char prev, A_u_char cur, float t) noexcept
-{
-    return trunc_u8(static_cast<double>(static_cast<float>(prev) * t + static_cast<float>(cur) * (1.0f - t)));
-}
-
-// Index of the sample at main coordinate `limit`, held to the stroke. Samples are 1/k apart, so it is arithmetic.
-int sample_at(float first_main, float limit, int k, int count) noexcept
-{
-    const int index = trunc_i32(static_cast<double>((first_main - limit) * static_cast<float>(k)));
-    return index < 0 ? 0 : std::min(index, count - 1);
-}
-} // namespace
 
 // The covered fraction of a pixel whose distance `dist` from the nearest sample leaves `edge` (0 to 2) of margin.
 float LineCreatorClass::coverage(float edge, float row_offset, float dist) const noexcept
@@ -81,39 +45,24 @@ void LineCreatorClass::calculate_pixel(int x, int y)
         const StrokePoint& cur = points[i];
 
         // A steep step is bridged by positions between the two samples, at high quality.
-        const float step = along_y ? cur.x - prev->x : cur.y - prev->y;
-        const bool gap =
-            (step > 0.0f && static_cast<double>(step) > 1.2) || (step <= 0.0f && static_cast<double>(step) < -1.2);
-        if (gap && k > 1)
+        const gap_bridge bridge(*prev, cur, along_y, k);
+        for (int m = 1; m <= bridge.count; ++m)
         {
-            const int n = trunc_i32(static_cast<double>(std::fabs(step) * static_cast<float>(k)));
-            const auto parts = static_cast<float>(wrap_add(n, 1));
-            const float step_x = (cur.x - prev->x) / parts;
-            const float step_y = (cur.y - prev->y) / parts;
-            for (int m = 1; m <= n; ++m)
+            const float q = squared_distance(center_x, center_y, bridge.x(m), bridge.y(m));
+            if (q < near.best)
             {
-                const candidate c = {prev->x + step_x * static_cast<float>(m),
-                                     prev->y + step_y * static_cast<float>(m)};
-                const float q = squared_distance(center_x, center_y, c);
-                if (q < near.best)
-                {
-                    const float t = static_cast<float>(n - (m - 1)) / static_cast<float>(n);
-                    near.best = q;
-                    near.radius = prev->halfWidth * t + (1.0f - t) * cur.halfWidth;
-                    near.row_offset = center_y - c.y;
-                    if constexpr (Multicolor)
-                        near.color = {mix_channel(prev->color.alpha, cur.color.alpha, t),
-                                      mix_channel(prev->color.red, cur.color.red, t),
-                                      mix_channel(prev->color.green, cur.color.green, t),
-                                      mix_channel(prev->color.blue, cur.color.blue, t)};
-                }
+                near.best = q;
+                near.radius = bridge.radius(m);
+                near.row_offset = center_y - bridge.y(m);
+                if constexpr (Multicolor)
+                    near.color = bridge.color(m);
             }
         }
 
         const float cross = along_y ? cur.x : cur.y;
         if (cross_min <= cross && cross <= cross_max)
         {
-            const float q = squared_distance(center_x, center_y, {cur.x, cur.y});
+            const float q = squared_distance(center_x, center_y, cur.x, cur.y);
             if (q < near.best)
             {
                 near.best = q;
@@ -126,14 +75,24 @@ void LineCreatorClass::calculate_pixel(int x, int y)
         prev = &cur;
     }
 
-    // Its disc covers the pixel or it does not; a radius that is not a number covers nothing.
     const auto dist = static_cast<float>(in_data->utils->ansi.sqrt(static_cast<double>(near.best)));
+    PF_Pixel color{};
+    if (!shade<Multicolor>(near, dist, &color))
+        return;
+    *pixel_at(x, y) = color;
+    context->mark(x, y);
+}
+
+template <bool Multicolor>
+bool LineCreatorClass::shade(const nearest_sample& near, float dist, PF_Pixel* out) const noexcept
+{
+    // Its disc covers the pixel or it does not; a radius that is not a number covers nothing.
     const float edge = 1.0f - (dist - near.radius);
     if (!(edge > 0.0f))
-        return;
+        return false;
 
     PF_Pixel color = Multicolor ? near.color : points[0].color;
-    if (k > 1)
+    if (samplesPerPixel > 1)
     {
         // The fall-off is exactly 1 for a core opacity of 1, whatever the radius.
         float fall = 1.0f;
@@ -149,8 +108,8 @@ void LineCreatorClass::calculate_pixel(int x, int y)
                 color.alpha = trunc_u8(static_cast<double>(static_cast<float>(color.alpha) * c));
         }
     }
-    *pixel_at(x, y) = color;
-    context->mark(x, y);
+    *out = color;
+    return true;
 }
 
 void LineCreatorClass::CalculatePixelMonocolor(int x, int y)
@@ -162,3 +121,6 @@ void LineCreatorClass::CalculatePixelMulticolor(int x, int y)
 {
     calculate_pixel<true>(x, y);
 }
+
+template bool LineCreatorClass::shade<false>(const nearest_sample&, float, PF_Pixel*) const noexcept;
+template bool LineCreatorClass::shade<true>(const nearest_sample&, float, PF_Pixel*) const noexcept;

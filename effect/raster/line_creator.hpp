@@ -11,6 +11,7 @@
 #include <cstdint>
 
 class aeg;
+struct nearest_sample;
 
 class LineCreatorClass
 {
@@ -53,16 +54,23 @@ public:
     float coreOpacity = 0.0f;            // factor of the alpha reached at the radius; 1 for none
     std::uint8_t* coveredMask = nullptr; // width x height: 1 where the current stroke's core is
     bool monocolor = false;
+    std::int64_t sweptPixels = 0; // by all strokes of the render so far
+    std::int64_t sampleLooks = 0; // of searches without a list of places, by all strokes so far
     void (LineCreatorClass::*pixelFunction)(int, int) = nullptr;
     void (LineCreatorClass::*subRenderFunction)() = nullptr;
 
-private:
+    // The colour of a pixel `dist` from what it is nearest to. False where that does not reach it.
     template <bool Multicolor>
-    void calculate_pixel(int x, int y);
+    bool shade(const nearest_sample& near, float dist, PF_Pixel* out) const noexcept;
+
     PF_Pixel* pixel_at(int x, int y) const noexcept
     {
         auto* const row = reinterpret_cast<unsigned char*>(pixels) + static_cast<std::ptrdiff_t>(y) * rowBytes;
         return reinterpret_cast<PF_Pixel*>(row) + x;
     }
+
+private:
+    template <bool Multicolor>
+    void calculate_pixel(int x, int y);
     float coverage(float edge, float row_offset, float dist) const noexcept;
 };

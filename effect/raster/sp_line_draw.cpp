@@ -1,8 +1,10 @@
+#include "effect/layout/falling_values.hpp"
 #include "effect/layout/sp_line.hpp"
 
 #include "effect/model/frame_data.hpp"
 #include "effect/model/matrix.hpp"
 #include "effect/model/numeric.hpp"
+#include "effect/model/work_limits.hpp"
 #include "effect/raster/aeg.hpp"
 #include "effect/raster/blend.hpp"
 #include "effect/raster/stroke_point.hpp"
@@ -74,6 +76,8 @@ void set_radii(LineCreatorClass& creator, std::int32_t stressed_width, float wid
 // One run of samples, drawn and laid over the destination.
 void draw_piece(LineCreatorClass& creator, aeg* context, StrokePoint* samples, int count)
 {
+    if (creator.sweptPixels / kMostCanvases > std::int64_t{creator.width} * creator.height)
+        return;
     creator.points = samples;
     creator.pointCount = count;
     // A stroke too thin for a solid core switches the rest of the render to the path without one.
@@ -84,29 +88,79 @@ void draw_piece(LineCreatorClass& creator, aeg* context, StrokePoint* samples, i
 }
 
 // Cuts the samples where the line runs over the grid's far edge (`threshold`, canvas pixels) and draws the pieces,
-// the part beyond the edge moved back by `period`. The scan starts at the zeroed slot past the last sample.
-void draw_wrapped(LineCreatorClass& creator, aeg* context, StrokePoint* samples, int count, bool vertical,
-                  float threshold, float period)
+// the part beyond the edge moved back by `period`. The scan starts at the zeroed slot past the last sample. Draws
+// no more pieces than the render may have; `drawn` counts them.
+class wrapped_pieces
 {
-    const auto main_of = [vertical](StrokePoint& p) -> float& { return vertical ? p.y : p.x; };
-    int slot = count;
-    for (;;)
+public:
+    wrapped_pieces(LineCreatorClass& creator, aeg* context, StrokePoint* samples, bool vertical, float threshold,
+                   float period, std::int64_t* drawn)
+        : creator_(creator), context_(context), samples_(samples), vertical_(vertical), threshold_(threshold),
+          period_(period), drawn_(drawn)
     {
-        const int end = slot;
-        while (slot > 0 && main_of(samples[slot]) < threshold)
-            --slot;
-        if (slot < end)
-            draw_piece(creator, context, samples + slot, end - slot);
-        if (slot == 0)
-            return;
-        const float before = main_of(samples[slot]);
-        for (int i = slot; i >= 0; --i)
-            main_of(samples[i]) -= period;
-        // A period that moves nothing would cut for ever.
-        if (!(main_of(samples[slot]) < before))
-            return;
     }
-}
+
+    // What remains beyond the edge moves back by a period for each piece drawn. Where every such move is exact
+    // (whole periods that never take a sample below 0), the moves are made when a sample's turn comes, all at
+    // once.
+    void draw(int count)
+    {
+        const bool exact = period_ >= 1.0f && threshold_ >= period_ && std::fabs(main_of(0)) < kExact;
+        float moved = 0.0f; // from where the samples lie in memory
+        int slot = count;
+        for (;;)
+        {
+            if (*drawn_ >= kMostPieces)
+                return;
+            const int end = slot;
+            while (slot > 0 && main_of(slot) - moved < threshold_)
+                --slot;
+            if (slot < end)
+            {
+                draw_piece_at(slot, end, moved);
+                ++*drawn_;
+            }
+            if (slot == 0)
+                return;
+            const float before = main_of(slot) - moved;
+            if (exact)
+            {
+                moved += period_;
+            }
+            else
+            {
+                for (int i = slot; i >= 0; --i)
+                    main_of(i) -= period_;
+            }
+            // A period that moves nothing would cut for ever.
+            if (!(main_of(slot) - moved < before))
+                return;
+        }
+    }
+
+private:
+    static constexpr float kExact = 8388608.0f; // 2^23: whole numbers and their halves up to here are exact
+
+    float& main_of(int i) { return vertical_ ? samples_[i].y : samples_[i].x; }
+
+    // The piece's first sample is the next one's end, and keeps its place for it.
+    void draw_piece_at(int slot, int end, float moved)
+    {
+        const float kept = main_of(slot);
+        for (int i = slot; i < end; ++i)
+            main_of(i) -= moved;
+        draw_piece(creator_, context_, samples_ + slot, end - slot);
+        main_of(slot) = kept;
+    }
+
+    LineCreatorClass& creator_;
+    aeg* context_;
+    StrokePoint* samples_;
+    bool vertical_;
+    float threshold_;
+    float period_;
+    std::int64_t* drawn_;
+};
 } // namespace
 
 void sp_line::draw(Loom::RandomGenerator32& rng, aeg* context, float width)
@@ -143,11 +197,13 @@ void sp_line::draw(Loom::RandomGenerator32& rng, aeg* context, float width)
     StrokePoint* const samples = carve_samples(*frame, num_points, first, last_run);
     if (samples == nullptr)
         return;
+    double* const highest = falling_values::fall(*this) ? nullptr : pool_array<double>(frame->pool, num_points);
+    falling_values values(*this, highest);
     int count = 0;
     for (float c = first; static_cast<double>(c) > last_run; c -= frame->qualityStep)
     {
         float cross = 0.0f;
-        if (!value(points, num_points, c, &cross))
+        if (!values.value(c, &cross))
             continue;
         StrokePoint& sample = samples[count++];
         sample.x = vertical != 0 ? cross : c;
@@ -163,6 +219,8 @@ void sp_line::draw(Loom::RandomGenerator32& rng, aeg* context, float width)
             sample.color = working;
         }
     }
+    if (highest != nullptr)
+        pool_release(frame->pool, highest);
     if (creator.monocolor)
         samples[0].color =
             frame->useDisplacement != 0 || frame->normalShare == 100 ? frame->normalColor : frame->stressedColor;
@@ -176,8 +234,10 @@ void sp_line::draw(Loom::RandomGenerator32& rng, aeg* context, float width)
     {
         const std::int32_t margin = vertical != 0 ? frame->marginY : frame->marginX;
         const std::int32_t period = vertical != 0 ? frame->height : frame->width;
-        draw_wrapped(creator, context, samples, count, vertical != 0,
-                     static_cast<float>(wrap_sub(frame->squareSize, margin)), static_cast<float>(period));
+        wrapped_pieces(creator, context, samples, vertical != 0,
+                       static_cast<float>(wrap_sub(frame->squareSize, margin)), static_cast<float>(period),
+                       &frame->piecesDrawn)
+            .draw(count);
     }
     else
     {

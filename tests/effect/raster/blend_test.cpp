@@ -109,6 +109,12 @@ TEST(blend_color, survives_a_line_without_deviation)
     EXPECT_TRUE(same(blended(40, 0.0f, 0.0f), kStressed));
 }
 
+TEST(blend_color, holds_a_share_outside_the_colours_just_short_of_one)
+{
+    EXPECT_TRUE(same(blended(200, 5.0f, 1.0f), mixed(200, 5.0f, 1.0f))) << text(blended(200, 5.0f, 1.0f));
+    EXPECT_TRUE(same(blended(50, 500.0f, 1.0f), mixed(50, 500.0f, 1.0f))) << text(blended(50, 500.0f, 1.0f));
+}
+
 TEST(blend_color, turns_what_is_not_a_number_into_no_colour)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();

@@ -1,4 +1,5 @@
 #include "effect/layout/sp_line.hpp"
+#include "effect/model/work_limits.hpp"
 
 #include "effect/model/matrix.hpp"
 #include "effect/raster/blend.hpp"
@@ -327,6 +328,27 @@ TEST_F(drawn_line, is_laid_over_the_destination_when_it_is_done)
             ASSERT_TRUE(same(stage_.canvas.at(x, y), {0, 0, 0, 0})) << x << ", " << y;
 }
 
+TEST_F(drawn_line, is_left_out_once_strokes_have_swept_the_canvas_hundreds_of_times)
+{
+    constexpr std::int64_t kCanvas = std::int64_t{kSide} * kSide;
+    std::int64_t& swept = frame_.lineCreator.sweptPixels;
+    draw(line(false, kWave), 3.0f);
+    const std::int64_t once = swept;
+    EXPECT_GT(once, 100 * 6);
+    EXPECT_LT(once, kCanvas);
+
+    stage_.calls.clear();
+    swept = kMostCanvases * kCanvas;
+    draw(line(false, kWave), 3.0f);
+    EXPECT_FALSE(stage_.calls.empty());
+    EXPECT_EQ(swept, kMostCanvases * kCanvas + once);
+
+    stage_.calls.clear();
+    swept = (kMostCanvases + 1) * kCanvas;
+    draw(line(false, kWave), 3.0f);
+    EXPECT_TRUE(stage_.calls.empty());
+}
+
 TEST_F(drawn_line, switches_the_core_off_for_good_once_it_is_too_thin)
 {
     one_colour(100);
@@ -516,6 +538,30 @@ TEST_F(drawn_line, cut_in_pieces_shows_its_one_colour_in_the_first_alone)
     // The piece beginning with the line's first sample is drawn last.
     EXPECT_TRUE(same(got[0].samples[0].color, {0, 0, 0, 0}));
     EXPECT_TRUE(same(got[1].samples[0].color, {255, 255, 100, 0}));
+}
+
+TEST_F(drawn_line, ends_at_the_far_edge_of_a_grid_without_width)
+{
+    frame_.linesHaveEnds = 1;
+    frame_.lineWrapping = 1;
+    frame_.width = 0;
+    sp_line& l = line(false, {{-60.0, 60.0}, {100.0, 65.0}});
+    const mem_pool before = stage_.pool;
+    EXPECT_EQ(draw(l, 3.0f).size(), 1U);
+    EXPECT_EQ(stage_.pool.next, before.next);
+}
+
+TEST_F(drawn_line, is_cut_into_no_more_pieces_than_the_render_may_have)
+{
+    frame_.linesHaveEnds = 1;
+    frame_.lineWrapping = 1;
+    for (const int left : {2, 1, 0})
+    {
+        frame_.piecesDrawn = kMostPieces - left;
+        const std::size_t drawn = draw(line(false, {{-60.0, 60.0}, {100.0, 65.0}}), 3.0f).size();
+        EXPECT_EQ(drawn, static_cast<std::size_t>(left));
+        EXPECT_EQ(frame_.piecesDrawn, kMostPieces);
+    }
 }
 
 TEST_F(drawn_line, is_flushed_piece_by_piece_and_gives_its_samples_back)

@@ -1,0 +1,294 @@
+// The fast way to draw a stroke against the plain one: the same bytes and the same dirty tiles, for strokes of
+// every kind.
+
+#include "effect/model/work_limits.hpp"
+#include "effect/raster/fast_stroke.hpp"
+#include "raster_stage.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace
+{
+using raster_test::stage;
+
+class dice
+{
+public:
+    explicit dice(unsigned seed) : gen_(seed) {}
+    int whole(int lo, int hi) { return lo + static_cast<int>(gen_() % static_cast<unsigned>(hi - lo + 1)); }
+    float real(float lo, float hi) { return lo + (hi - lo) * static_cast<float>(gen_() % 65536U) / 65535.0f; }
+    bool once_in(int n) { return gen_() % static_cast<unsigned>(n) == 0; }
+
+private:
+    std::mt19937 gen_;
+};
+
+enum class shape
+{
+    wave,    // smooth, with a radius that swells with the wave
+    flat,    // along a pixel's middle or edge: ties everywhere
+    walk,    // at random, a little
+    steep,   // jumps of many pixels across
+    zigzag,  // back and forth at every sample
+    gaps,    // samples missing along the main axis
+    hostile, // numbers that are none, infinite or huge
+};
+
+struct scene
+{
+    int width = 0;
+    int height = 0;
+    int axis = 0;
+    int k = 2;
+    bool one_color = false;
+    bool core = false;
+    float core_opacity = 1.0f;
+    float inner = 0.0f;
+    float outer = 0.0f;
+    std::vector<StrokePoint> points;
+};
+
+scene random_scene(unsigned seed, shape form, float max_radius, int max_side)
+{
+    dice d(seed);
+    scene s;
+    s.width = d.whole(1, max_side);
+    s.height = d.whole(1, max_side);
+    s.axis = d.whole(0, 1);
+    s.k = d.once_in(4) ? 1 : 2;
+    s.one_color = d.once_in(2);
+    s.core_opacity = s.one_color && d.once_in(4) ? d.real(0.0f, 1.0f) : 1.0f;
+    const float radius = std::max(0.6f, d.real(0.0f, max_radius));
+    const float stress = d.once_in(3) ? 0.0f : d.real(-1.0f, 1.0f);
+    s.inner = (stress < 0.0f ? radius * (1.0f + stress) : radius) / 1.4142135f - 1.5f;
+    s.outer = (stress < 0.0f ? radius : radius * (1.0f + stress)) + 1.5f;
+    s.core = s.one_color && s.core_opacity == 1.0f && s.inner >= 1.0f;
+
+    const auto side = static_cast<float>(s.axis == 0 ? s.width : s.height);
+    const auto across = static_cast<float>(s.axis == 0 ? s.height : s.width);
+    float main = d.real(0.2f * side, side + 30.0f);
+    if (d.once_in(2))
+        main = std::floor(main) + 0.5f * static_cast<float>(d.whole(0, 1));
+    const float end = d.once_in(3) ? d.real(-20.0f, main) : -20.0f;
+    const float base = d.once_in(5) ? d.real(-40.0f, across + 40.0f) : d.real(0.0f, across);
+    const float amplitude = d.real(0.0f, 0.6f * across);
+    const float length = d.real(6.0f, 200.0f);
+    const float half_pixel = 0.5f * std::floor(2.0f * base);
+    float cross = base;
+    const PF_Pixel color = {static_cast<A_u_char>(d.whole(0, 255)), 10, 200,
+                            static_cast<A_u_char>(d.whole(0, 255))};
+    int i = 0;
+    for (float step = 1.0f / static_cast<float>(s.k); main > end || i == 0; main -= step, ++i)
+    {
+        const float swing = std::sin(main / length * 6.2831853f);
+        if (form == shape::wave)
+            cross = base + amplitude * swing;
+        else if (form == shape::flat)
+            cross = half_pixel;
+        else if (form == shape::walk)
+            cross += d.real(-1.0f, 1.0f);
+        else if (form == shape::steep)
+            cross += d.once_in(4) ? d.real(-40.0f, 40.0f) : d.real(-2.0f, 2.0f);
+        else if (form == shape::zigzag)
+            cross = base + (i % 2 == 0 ? 0.4f : -0.4f) * amplitude + d.real(-3.0f, 3.0f);
+        else if (form == shape::gaps)
+            cross = base + amplitude * swing;
+        else
+            cross = base + amplitude * swing * (d.once_in(6) ? 20.0f : 1.0f);
+        if (form == shape::gaps && d.once_in(8))
+            main -= step * static_cast<float>(d.whole(1, 40));
+        StrokePoint p{};
+        (s.axis == 0 ? p.x : p.y) = main;
+        (s.axis == 0 ? p.y : p.x) = cross;
+        p.halfWidth = radius + radius * stress * (form == shape::wave ? std::fabs(swing) : d.real(0.0f, 1.0f));
+        p.color = s.one_color ? (i == 0 ? color : PF_Pixel{0, 0, 0, 0})
+                              : PF_Pixel{color.alpha, static_cast<A_u_char>(d.whole(0, 255)),
+                                         static_cast<A_u_char>(i % 256), color.blue};
+        if (form == shape::hostile)
+        {
+            const float odd[] = {std::numeric_limits<float>::quiet_NaN(),
+                                 std::numeric_limits<float>::infinity(),
+                                 -std::numeric_limits<float>::infinity(),
+                                 5e9f,
+                                 -2e3f,
+                                 3e38f};
+            if (d.once_in(40))
+                (s.axis == 0 ? p.y : p.x) = odd[d.whole(0, 5)];
+            if (d.once_in(40))
+                p.halfWidth = odd[d.whole(0, 5)];
+        }
+        s.points.push_back(p);
+    }
+    return s;
+}
+
+void set_up(const scene& s, stage& st, LineCreatorClass& creator, std::vector<StrokePoint>& points)
+{
+    st.set_up(creator);
+    points = s.points;
+    creator.points = points.data();
+    creator.pointCount = static_cast<std::int32_t>(points.size());
+    creator.axis = s.axis;
+    creator.samplesPerPixel = s.k;
+    creator.coreOpacity = s.core_opacity;
+    creator.monocolor = s.one_color;
+    creator.innerRadius = s.inner;
+    creator.outerRadius = s.outer;
+    if (s.one_color)
+        creator.pixelFunction = &LineCreatorClass::CalculatePixelMonocolor;
+    if (s.core)
+        creator.subRenderFunction = &LineCreatorClass::SubRenderMonocolor;
+}
+
+struct tally
+{
+    int drawn = 0; // the fast way did it
+    int left = 0;  // it left it to the plain one
+    std::int64_t pixels = 0;
+};
+
+// Draws the scene both ways and compares every byte.
+void compare(const scene& s, const std::string& what, tally& count, bool starved = false)
+{
+    std::vector<StrokePoint> points;
+    stage fast(s.width, s.height, 8);
+    LineCreatorClass quick;
+    set_up(s, fast, quick, points);
+    // Room for the runs, but for no list of places.
+    if (starved)
+        fast.pool.remaining = 20 * 32 + 16 * static_cast<std::uint64_t>(s.width + s.height);
+    if (!draw_stroke_fast(quick))
+    {
+        ++count.left;
+        return;
+    }
+    ++count.drawn;
+    std::vector<std::uint8_t> dirty(std::begin(fast.context->tileDirty), std::end(fast.context->tileDirty));
+    std::vector<PF_Pixel> drawn;
+    for (int y = 0; y < s.height; ++y)
+        for (int x = 0; x < s.width; ++x)
+            drawn.push_back(fast.canvas.at(x, y));
+    EXPECT_TRUE(fast.canvas.padding_is_untouched()) << what;
+
+    stage plain(s.width, s.height, 8);
+    LineCreatorClass slow;
+    set_up(s, plain, slow, points);
+    (slow.*slow.subRenderFunction)();
+    std::size_t i = 0;
+    int wrong = 0;
+    for (int y = 0; y < s.height; ++y)
+        for (int x = 0; x < s.width; ++x, ++i)
+        {
+            const PF_Pixel& want = plain.canvas.at(x, y);
+            count.pixels += want.alpha != 0;
+            if (!raster_test::same(drawn[i], want) && ++wrong < 4)
+                ADD_FAILURE() << what << ", axis " << s.axis << ", k " << s.k << ", " << s.width << " x "
+                              << s.height << ", pixel " << x << ", " << y << ": " << raster_test::text(drawn[i])
+                              << " for " << raster_test::text(want);
+        }
+    ASSERT_EQ(wrong, 0) << what;
+    for (std::size_t t = 0; t < dirty.size(); ++t)
+        ASSERT_EQ(dirty[t], plain.context->tileDirty[t]) << what << ", tile " << t;
+}
+
+struct family
+{
+    const char* name;
+    shape form;
+    float max_radius;
+    int max_side;
+    unsigned scenes;
+};
+
+class fast_stroke : public ::testing::TestWithParam<family>
+{
+};
+
+TEST_P(fast_stroke, draws_what_the_plain_way_draws)
+{
+    const family& f = GetParam();
+    tally count;
+    for (unsigned seed = 1; seed <= f.scenes && !HasFailure(); ++seed)
+        compare(random_scene(seed, f.form, f.max_radius, f.max_side), "seed " + std::to_string(seed), count);
+    EXPECT_EQ(count.left, 0);
+    EXPECT_GT(count.pixels, 0);
+    RecordProperty("pixels", std::to_string(count.pixels));
+}
+
+TEST(fast_stroke_of, radii_past_the_integers_is_the_plain_one)
+{
+    scene s;
+    s.width = 48;
+    s.height = 40;
+    s.one_color = true;
+    s.outer = 5e9f;
+    for (int i = 0; i < 60; ++i)
+        s.points.push_back({45.0f - 0.5f * static_cast<float>(i), 20.0f, 5e9f, {255, 1, 2, 3}});
+    tally count;
+    compare(s, "huge radius", count);
+    EXPECT_EQ(count.drawn, 1);
+}
+
+TEST_P(fast_stroke, draws_the_same_without_memory_for_its_places)
+{
+    const family& f = GetParam();
+    tally count;
+    for (unsigned seed = 1; seed <= f.scenes / 3 && !HasFailure(); ++seed)
+        compare(random_scene(seed, f.form, std::min(f.max_radius, 60.0f), std::min(f.max_side, 60)),
+                "seed " + std::to_string(seed), count, true);
+    EXPECT_EQ(count.left, 0);
+}
+
+TEST_P(fast_stroke, draws_the_same_of_samples_in_any_order)
+{
+    const family& f = GetParam();
+    tally count;
+    for (unsigned seed = 1; seed <= f.scenes / 3 && !HasFailure(); ++seed)
+    {
+        scene s = random_scene(seed, f.form, std::min(f.max_radius, 60.0f), std::min(f.max_side, 60));
+        std::shuffle(s.points.begin() + 1, s.points.end(), std::mt19937(seed));
+        compare(s, "seed " + std::to_string(seed), count);
+    }
+    EXPECT_EQ(count.left, 0);
+}
+
+TEST(fast_stroke_of, samples_out_of_order_ends_where_the_render_has_looked_at_enough)
+{
+    scene s;
+    s.width = 48;
+    s.height = 40;
+    s.one_color = true;
+    s.outer = 5.5f;
+    for (const float x : {20.0f, 30.0f, 10.0f})
+        s.points.push_back({x, 20.0f, 4.0f, {255, 1, 2, 3}});
+    for (const bool enough : {false, true})
+    {
+        stage st(s.width, s.height, 8);
+        LineCreatorClass creator;
+        std::vector<StrokePoint> points;
+        set_up(s, st, creator, points);
+        const std::int64_t before = enough ? kMostSampleLooks : 0;
+        creator.sampleLooks = before;
+        ASSERT_TRUE(draw_stroke_fast(creator));
+        EXPECT_EQ(creator.sampleLooks > before, !enough);
+        EXPECT_EQ(st.canvas.at(20, 20).alpha, enough ? 0 : 255);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(strokes, fast_stroke,
+                         ::testing::Values(family{"thin_waves", shape::wave, 4.0f, 200, 120},
+                                           family{"wide_waves", shape::wave, 60.0f, 160, 60},
+                                           family{"huge_waves", shape::wave, 400.0f, 120, 40},
+                                           family{"flat_lines", shape::flat, 30.0f, 120, 60},
+                                           family{"walks", shape::walk, 12.0f, 160, 80},
+                                           family{"steep_steps", shape::steep, 25.0f, 100, 60},
+                                           family{"zigzags", shape::zigzag, 15.0f, 80, 30},
+                                           family{"gaps", shape::gaps, 20.0f, 150, 60},
+                                           family{"hostile_numbers", shape::hostile, 20.0f, 60, 30}),
+                         [](const auto& of) { return std::string(of.param.name); });
+} // namespace
