@@ -1,11 +1,13 @@
 #include "callbacks.hpp"
 
+#include "portable_math.hpp"
 #include "text.hpp"
 
-#include <math.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <string.h>
+
+#include <cmath>
 
 namespace host
 {
@@ -75,27 +77,52 @@ two_arguments entry(bool log)
 {
     return log ? logged<Name, Function> : Function;
 }
+
+// Exact, or rounded as IEEE asks, in every C library.
+namespace exact
+{
+double ceil(double x)
+{
+    return std::ceil(x);
+}
+double fabs(double x)
+{
+    return std::fabs(x);
+}
+double floor(double x)
+{
+    return std::floor(x);
+}
+double fmod(double x, double y)
+{
+    return std::fmod(x, y);
+}
+double sqrt(double x)
+{
+    return std::sqrt(x);
+}
+} // namespace exact
 } // namespace
 
 void fill_ansi_callbacks(PF_ANSICallbacks& table, bool log)
 {
-    table.atan = entry<"atan", ::atan>(log);
-    table.atan2 = entry<"atan2", ::atan2>(log);
-    table.ceil = entry<"ceil", ::ceil>(log);
-    table.cos = entry<"cos", ::cos>(log);
-    table.exp = entry<"exp", ::exp>(log);
-    table.fabs = entry<"fabs", ::fabs>(log);
-    table.floor = entry<"floor", ::floor>(log);
-    table.fmod = entry<"fmod", ::fmod>(log);
-    table.hypot = entry<"hypot", ::hypot>(log);
-    table.log = entry<"log", ::log>(log);
-    table.log10 = entry<"log10", ::log10>(log);
-    table.pow = entry<"pow", ::pow>(log);
-    table.sin = entry<"sin", ::sin>(log);
-    table.sqrt = entry<"sqrt", ::sqrt>(log);
-    table.tan = entry<"tan", ::tan>(log);
-    table.asin = entry<"asin", ::asin>(log);
-    table.acos = entry<"acos", ::acos>(log);
+    table.atan = entry<"atan", maths::atan>(log);
+    table.atan2 = entry<"atan2", maths::atan2>(log);
+    table.ceil = entry<"ceil", exact::ceil>(log);
+    table.cos = entry<"cos", maths::cos>(log);
+    table.exp = entry<"exp", maths::exp>(log);
+    table.fabs = entry<"fabs", exact::fabs>(log);
+    table.floor = entry<"floor", exact::floor>(log);
+    table.fmod = entry<"fmod", exact::fmod>(log);
+    table.hypot = entry<"hypot", maths::hypot>(log);
+    table.log = entry<"log", maths::log>(log);
+    table.log10 = entry<"log10", maths::log10>(log);
+    table.pow = entry<"pow", maths::pow>(log);
+    table.sin = entry<"sin", maths::sin>(log);
+    table.sqrt = entry<"sqrt", exact::sqrt>(log);
+    table.tan = entry<"tan", maths::tan>(log);
+    table.asin = entry<"asin", maths::asin>(log);
+    table.acos = entry<"acos", maths::acos>(log);
     table.sprintf = log ? logged_sprintf : ::sprintf;
     table.strcpy = log ? logged_strcpy : ::strcpy;
 }

@@ -10,7 +10,8 @@ namespace host
 void fill_interact_callbacks(PF_InteractCallbacks& table);
 void fill_world_callbacks(PF_UtilCallbacks& table);
 void fill_handle_callbacks(PF_UtilCallbacks& table, bool none);
-// The C library's own functions; where calls are logged, functions that do so and then call them.
+// Functions that round come from portable_math.hpp, the same bits on every system; the rest is the C library's.
+// Where calls are logged, each is wrapped in one that does so.
 void fill_ansi_callbacks(PF_ANSICallbacks& table, bool logged);
 
 inline session* session_of(PF_ProgPtr effect_ref)
