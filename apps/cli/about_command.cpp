@@ -1,7 +1,7 @@
 #include "about_command.hpp"
 
 #include <cstdio>
-#include <iostream>
+#include <ostream>
 
 namespace cli
 {
@@ -34,19 +34,18 @@ const char* stage_name(int stage)
 }
 } // namespace
 
-void print_about(const host::plugin& effect)
+void print_about(const host::plugin& effect, std::ostream& out)
 {
     const host::plugin_version& version = effect.version();
     const std::string about = effect.about_utf8();
-    std::cout << about << (about.ends_with('\n') ? "" : "\n");
-    std::cout << "File:     " << effect.name() << '\n';
-    std::cout << "Version:  " << version.major << '.' << version.minor << '.' << version.bugfix << ", "
-              << stage_name(version.stage) << ", build " << version.build << " (" << hexadecimal(version.word)
-              << ")\n";
-    std::cout << "Flags:    " << hexadecimal(static_cast<std::uint32_t>(version.out_flags)) << ", "
-              << hexadecimal(static_cast<std::uint32_t>(version.out_flags2)) << '\n';
+    out << about << (about.ends_with('\n') ? "" : "\n");
+    out << "File:     " << effect.name() << '\n';
+    out << "Version:  " << version.major << '.' << version.minor << '.' << version.bugfix << ", "
+        << stage_name(version.stage) << ", build " << version.build << " (" << hexadecimal(version.word) << ")\n";
+    out << "Flags:    " << hexadecimal(static_cast<std::uint32_t>(version.out_flags)) << ", "
+        << hexadecimal(static_cast<std::uint32_t>(version.out_flags2)) << '\n';
     for (const flag_name& flag : flag_names)
         if ((version.out_flags & flag.bit) != 0)
-            std::cout << "          " << flag.name << '\n';
+            out << "          " << flag.name << '\n';
 }
 } // namespace cli

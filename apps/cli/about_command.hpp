@@ -3,7 +3,9 @@
 
 #include "host/plugin.hpp"
 
+#include <iosfwd>
+
 namespace cli
 {
-void print_about(const host::plugin& effect);
+void print_about(const host::plugin& effect, std::ostream& out);
 } // namespace cli

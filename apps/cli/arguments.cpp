@@ -80,13 +80,13 @@ media::rational parse_rate(const std::string& text)
     const int whole = static_cast<int>(std::lround(*value * 1001 / 1000));
     const bool has_decimals = text.find('.') != std::string::npos && *value != std::floor(*value);
     if (has_decimals && whole >= 24 && std::abs(whole * 1000.0 / 1001 - *value) < 0.0051)
-        return {whole * 1000, 1001};
+        return reduced(whole * 1000, 1001);
     return reduced(static_cast<int>(std::lround(*value * 1000)), 1000);
 }
 
 frame_span parse_frames(const std::string& text)
 {
-    const char* const example = "a frame number or a range, as in 12 or 0-99";
+    const char* const example = "a frame number up to 2147483646 or a range, as in 12 or 0-99";
     const std::size_t dash = text.find('-');
     const auto first = whole_number<std::int32_t>(std::string_view(text).substr(0, dash));
     const auto last =

@@ -42,7 +42,8 @@ constexpr char commands[] = "render, params, presets, about and inspect";
 
 void add_plugin_option(CLI::App& app, command_line& line)
 {
-    app.add_option("--plugin", line.plugin, "Effect file to use (default: Filigrane.so beside this program)")
+    app.add_option("--plugin", line.plugin,
+                   "Effect file to use; its code is run (default: Filigrane.so beside this program)")
         ->type_name("FILE");
 }
 
@@ -114,7 +115,7 @@ void add_questions(CLI::App& app, command_line& line)
 
     CLI::App* inspect =
         app.add_subcommand("inspect", "Print what any effect file says of itself, and its parameters");
-    inspect->add_option("PLUGIN", line.plugin, "Effect file")->required()->type_name("");
+    inspect->add_option("PLUGIN", line.plugin, "Effect file; its code is run")->required()->type_name("");
     inspect->callback([&line] { line.chosen = command::inspect; });
 }
 

@@ -1,6 +1,7 @@
 #include "looks.hpp"
 
 #include "host/error.hpp"
+#include "host/near_names.hpp"
 #include "host/plugin.hpp"
 
 #include <algorithm>
@@ -35,10 +36,11 @@ std::vector<std::filesystem::path> all_looks()
     {
         std::error_code failed;
         for (const auto& entry : std::filesystem::directory_iterator(folder, failed))
-            if (entry.path().extension() == ".json")
+            if (std::error_code ignored; entry.path().extension() == ".json" && entry.is_regular_file(ignored))
                 by_name.try_emplace(entry.path().stem().string(), entry.path());
     }
     std::vector<std::filesystem::path> files;
+    files.reserve(by_name.size());
     for (const auto& [name, file] : by_name)
         files.push_back(file);
     return files;
@@ -46,18 +48,23 @@ std::vector<std::filesystem::path> all_looks()
 
 std::filesystem::path find_look(const std::string& name_or_file)
 {
-    const std::filesystem::path file = name_or_file;
+    std::filesystem::path file = name_or_file;
     if (file.has_parent_path() || file.extension() == ".json")
         return file;
     std::string names;
+    std::vector<host::known_name> known;
     for (const std::filesystem::path& look : all_looks())
     {
-        if (look.stem() == name_or_file)
+        const std::string name = look.stem().string();
+        if (name == name_or_file)
             return look;
-        names += (names.empty() ? "" : ", ") + look.stem().string();
+        names += (names.empty() ? "" : ", ") + name;
+        known.push_back({name, {name}});
     }
-    throw host::error("no preset is called \"" + name_or_file + "\"; " +
-                      (names.empty() ? "none is installed" : "there are " + names) +
+    const std::string wrong = "no preset is called \"" + name_or_file + "\": ";
+    if (const std::string hint = host::did_you_mean(name_or_file, known); !hint.empty())
+        throw host::error(wrong + hint + "'filigrane presets' lists all");
+    throw host::error(wrong + (names.empty() ? "none is installed" : "there are " + names) +
                       ", or give the path of a .json file");
 }
 } // namespace cli

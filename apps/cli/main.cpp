@@ -1,5 +1,5 @@
 // filigrane: the effect on the command line. Errors are one line on standard error; the exit status is 0 when all
-// went well, 1 for an error, 2 for a command line that makes no sense, 130 when it was stopped.
+// went well, 1 for an error, 2 for a command line that makes no sense, 128 + the signal when it was stopped.
 
 #include "about_command.hpp"
 #include "command_line.hpp"
@@ -8,15 +8,37 @@
 #include "render_command.hpp"
 #include "usage_error.hpp"
 
+#include "host/probe.hpp"
+
 #include <cstdio>
 #include <iostream>
 #include <new>
+#include <sstream>
 
 namespace
 {
+// The effect beside this program is our own; any other is tried in a process of its own before it runs in this
+// one.
 host::plugin load_effect(const cli::command_line& line)
 {
-    return host::plugin(line.plugin ? std::filesystem::path(*line.plugin) : host::plugin_beside_binary());
+    if (!line.plugin)
+        return host::plugin(host::plugin_beside_binary());
+    host::probe_plugin(*line.plugin, host::plugin_patience());
+    return host::plugin(std::filesystem::path(*line.plugin));
+}
+
+// Looked at in another process alone: no code of the file runs in this one.
+std::string inspection(const std::string& file)
+{
+    return host::ask_in_child(file, host::plugin_patience(),
+                              [](const host::plugin& effect)
+                              {
+                                  std::ostringstream text;
+                                  cli::print_about(effect, text);
+                                  text << '\n';
+                                  cli::print_params_table(effect, text);
+                                  return text.str();
+                              });
 }
 
 int run(const cli::command_line& line)
@@ -26,12 +48,12 @@ int run(const cli::command_line& line)
     case cli::command::none:
         return line.status;
     case cli::command::render:
-        return cli::run_render(line.render, load_effect(line));
+        return cli::run_render(line.render, load_effect(line), line.plugin);
     case cli::command::params:
         if (line.json)
-            cli::print_params_json(load_effect(line));
+            cli::print_params_json(load_effect(line), std::cout);
         else
-            cli::print_params_table(load_effect(line));
+            cli::print_params_table(load_effect(line), std::cout);
         return cli::exit_done;
     case cli::command::list_presets:
         cli::list_presets();
@@ -40,16 +62,11 @@ int run(const cli::command_line& line)
         cli::show_preset(line.preset);
         return cli::exit_done;
     case cli::command::about:
-        cli::print_about(load_effect(line));
+        cli::print_about(load_effect(line), std::cout);
         return cli::exit_done;
     case cli::command::inspect:
-    {
-        const host::plugin effect(std::filesystem::path(line.plugin.value()));
-        cli::print_about(effect);
-        std::cout << '\n';
-        cli::print_params_table(effect);
+        std::cout << inspection(line.plugin.value());
         return cli::exit_done;
-    }
     }
     return cli::exit_failed;
 }

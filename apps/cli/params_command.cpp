@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <array>
-#include <iostream>
 #include <nlohmann/json.hpp>
+#include <ostream>
 
 namespace cli
 {
@@ -62,16 +62,16 @@ table_row as_row(const host::param_info& info)
 }
 } // namespace
 
-void print_params_json(const host::plugin& effect)
+void print_params_json(const host::plugin& effect, std::ostream& out)
 {
     json all = json::array();
     for (const host::param_info& info : effect.params())
         all.push_back(as_json(info));
     // Labels may come in any character set: what is not UTF-8 is replaced, not refused.
-    std::cout << all.dump(2, ' ', false, json::error_handler_t::replace) << '\n';
+    out << all.dump(2, ' ', false, json::error_handler_t::replace) << '\n';
 }
 
-void print_params_table(const host::plugin& effect)
+void print_params_table(const host::plugin& effect, std::ostream& out)
 {
     std::vector<table_row> rows = {{"#", "Name", "Kind", "Range", "Default", "Animatable", "Topic"}};
     for (const host::param_info& info : effect.params())
@@ -86,7 +86,7 @@ void print_params_table(const host::plugin& effect)
         for (std::size_t c = 0; c < columns; ++c)
             line += row[c] + std::string(widths[c] - row[c].size() + 2, ' ');
         line.erase(line.find_last_not_of(' ') + 1);
-        std::cout << line << '\n';
+        out << line << '\n';
     }
 }
 } // namespace cli

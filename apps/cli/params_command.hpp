@@ -3,8 +3,10 @@
 
 #include "host/plugin.hpp"
 
+#include <iosfwd>
+
 namespace cli
 {
-void print_params_table(const host::plugin& effect);
-void print_params_json(const host::plugin& effect);
+void print_params_table(const host::plugin& effect, std::ostream& out);
+void print_params_json(const host::plugin& effect, std::ostream& out);
 } // namespace cli

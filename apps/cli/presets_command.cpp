@@ -1,41 +1,15 @@
 #include "presets_command.hpp"
 
-#include "host/error.hpp"
 #include "looks.hpp"
 
+#include "host/error.hpp"
+#include "host/preset.hpp"
+
 #include <algorithm>
-#include <fstream>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 namespace cli
 {
-namespace
-{
-using json = nlohmann::ordered_json;
-
-// Only for showing: whether names and values are right is for loading to say.
-json read_look(const std::filesystem::path& file)
-{
-    std::ifstream in(file);
-    const json look = json::parse(in, nullptr, false);
-    if (!look.is_object())
-        throw host::error(file.string() + (in.is_open() ? ": is no preset (no JSON object)" : ": cannot be read"));
-    return look;
-}
-
-std::string description_of(const json& look)
-{
-    const auto found = look.find("description");
-    return found != look.end() && found->is_string() ? found->get<std::string>() : std::string();
-}
-
-std::string value_text(const json& value)
-{
-    return value.is_string() ? value.get<std::string>() : value.dump();
-}
-} // namespace
-
 void list_presets()
 {
     const std::vector<std::filesystem::path> looks = all_looks();
@@ -51,7 +25,7 @@ void list_presets()
         std::string description;
         try
         {
-            description = description_of(read_look(look));
+            description = host::outline_preset(look).description;
         }
         catch (const host::error& broken)
         {
@@ -69,13 +43,11 @@ void list_presets()
 void show_preset(const std::string& name_or_file)
 {
     const std::filesystem::path file = find_look(name_or_file);
-    const json look = read_look(file);
-    const bool wrapped = look.contains("values") && look["values"].is_object();
+    const host::preset_outline look = host::outline_preset(file);
     std::cout << file.stem().string() << " (" << file.string() << ")\n";
-    if (const std::string description = description_of(look); !description.empty())
-        std::cout << description << '\n';
-    for (const auto& [name, value] : (wrapped ? look["values"] : look).items())
-        if (wrapped || name != "description")
-            std::cout << "  " << name << " = " << value_text(value) << '\n';
+    if (!look.description.empty())
+        std::cout << look.description << '\n';
+    for (const host::preset_outline::entry& value : look.values)
+        std::cout << "  " << value.name << " = " << value.value << '\n';
 }
 } // namespace cli

@@ -1,6 +1,7 @@
 #include "progress.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <unistd.h>
 
@@ -12,7 +13,7 @@ constexpr int bar_cells = 30;
 
 std::string clock_text(double seconds)
 {
-    const long whole = static_cast<long>(std::min(seconds, 359999.0) + 0.5);
+    const long whole = std::lround(std::min(seconds, 359999.0));
     char text[32];
     if (whole >= 3600)
         std::snprintf(text, sizeof text, "%ld:%02ld:%02ld", whole / 3600, whole / 60 % 60, whole % 60);

@@ -26,12 +26,13 @@ std::string frames_text(std::int32_t count)
     return std::to_string(count) + (count == 1 ? " frame" : " frames");
 }
 
-void print_summary(const render_request& request, const render_plan& plan, std::int32_t count, double seconds)
+void print_summary(const render_request& request, const render_plan& plan, const media::writer& output,
+                   std::int32_t count, double seconds)
 {
     char took[32];
     std::snprintf(took, sizeof took, "%.1f s", seconds);
-    std::cerr << "filigrane: " << request.output << ": " << frames_text(count) << ", " << plan.writing.width << 'x'
-              << plan.writing.height << ", " << rate_text(plan.writing.rate) << " fps, in " << took << '\n';
+    std::cerr << "filigrane: " << request.output << ": " << frames_text(count) << ", " << output.width() << 'x'
+              << output.height() << ", " << rate_text(plan.writing.rate) << " fps, in " << took << '\n';
 }
 
 void print_timing(const time_spent& spent, std::int32_t count)
@@ -44,13 +45,21 @@ int report_stop(const render_request& request, bool sequence, std::int32_t count
 {
     std::cerr << "filigrane: stopped; "
               << (sequence ? frames_text(count) + " written" : request.output + " was not written") << '\n';
-    return exit_stopped;
+    return stop_status();
+}
+
+std::string crash_note(const std::optional<std::string>& given_plugin)
+{
+    return (given_plugin ? *given_plugin + " crashed while it drew, or this program did; try it without --plugin"
+                         : std::string("crashed while drawing; please report the command line")) +
+           " (nothing half-written is left)";
 }
 } // namespace
 
-int run_render(const render_request& request, const host::plugin& effect)
+int run_render(const render_request& request, const host::plugin& effect,
+               const std::optional<std::string>& given_plugin)
 {
-    watch_stop_signals();
+    watch_signals(crash_note(given_plugin));
     render_plan plan = prepare_render(request, effect);
     media::writer output(request.output, plan.writing);
     print_notes(plan.notes, request.quiet);
@@ -75,7 +84,7 @@ int run_render(const render_request& request, const host::plugin& effect)
     if (total && count < *total)
         print_notes({*request.input + " ended after " + frames_text(count)}, request.quiet);
     if (!request.quiet)
-        print_summary(request, plan, count, shown.seconds());
+        print_summary(request, plan, output, count, shown.seconds());
     if (request.timing)
         print_timing(spent, count);
     return exit_done;

@@ -81,6 +81,14 @@ void choose_frames(const render_request& request, const media::output_format& fo
     }
 }
 
+// Seen first: where NAME and VALUE stand apart, the value is taken for an INPUT.
+void check_settings(const render_request& request)
+{
+    for (const std::string& setting : request.sets)
+        if (setting.find('=') == std::string::npos)
+            throw usage_error("--set \"" + setting + "\": give NAME=VALUE, as in --set \"Rows=12\"");
+}
+
 void set_values(const render_request& request, const host::plugin& effect, render_plan& plan)
 {
     if (request.preset)
@@ -88,8 +96,6 @@ void set_values(const render_request& request, const host::plugin& effect, rende
     for (const std::string& setting : request.sets)
     {
         const std::size_t equals = setting.find('=');
-        if (equals == std::string::npos)
-            throw usage_error("--set \"" + setting + "\": give NAME=VALUE, as in --set \"Rows=12\"");
         try
         {
             const host::param_info& info = host::find_param(effect.params(), setting.substr(0, equals));
@@ -163,6 +169,7 @@ media::output_format asked_format(const render_request& request, media::write_op
 
 render_plan prepare_render(const render_request& request, const host::plugin& effect)
 {
+    check_settings(request);
     render_plan plan(effect);
     const media::output_format format = asked_format(request, plan.writing);
     plan.comp.quality = request.quality == "low" ? PF_Quality_LO : PF_Quality_HI;

@@ -14,7 +14,6 @@ enum exit_status
 {
     exit_done = 0,
     exit_failed = 1,
-    exit_usage = 2,
-    exit_stopped = 130,
+    exit_usage = 2, // and 128 + the signal's number for a render that was stopped
 };
 } // namespace cli

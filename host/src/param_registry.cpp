@@ -9,6 +9,8 @@ namespace host
 {
 namespace
 {
+constexpr std::size_t most_params = 10000;
+
 param_kind kind_of(PF_ParamType type)
 {
     switch (type)
@@ -99,6 +101,9 @@ PF_Err param_registry::add(PF_ParamIndex index, const PF_ParamDef* record)
 {
     if (!record)
         return PF_Err_BAD_CALLBACK_PARAM;
+    // An effect that adds without end would otherwise take all memory.
+    if (params_.size() >= most_params)
+        return PF_Err_OUT_OF_MEMORY;
     const auto next = static_cast<PF_ParamIndex>(params_.size());
     if (index != -1 && index != next)
         return PF_Err_INVALID_INDEX;

@@ -14,7 +14,8 @@ class param_registry
 public:
     param_registry(); // holds the input layer, index 0
 
-    // The add_param call: `index` -1 appends, and so does the next free index; any other is refused.
+    // The add_param call: `index` -1 appends, and so does the next free index; any other is refused, and
+    // so is every one past the ten thousandth.
     PF_Err add(PF_ParamIndex index, const PF_ParamDef* record);
 
     const std::vector<param_info>& params() const { return params_; }

@@ -86,7 +86,10 @@ param_value parse_amount(const param_info& info, std::string_view text)
     const auto number = percent ? parse_hundredths(trimmed(text.substr(0, text.size() - 1))) : parse_number(text);
     if (!number)
     {
-        refuse_value(info, in_quotes(text));
+        const std::string_view bare = text.ends_with('%') ? trimmed(text.substr(0, text.size() - 1)) : "";
+        refuse_value(info, in_quotes(text) + (parse_number(bare) && !percent
+                                                  ? ": write " + std::string(bare) + " without the percent sign"
+                                                  : ""));
     }
     return value_of_number(info, *number, in_quotes(text));
 }

@@ -85,6 +85,7 @@ std::string return_text(const PF_OutData& out)
 struct plugin::state
 {
     std::string name;
+    stage_watch watch; // above the file: told of its going as well
     std::optional<shared_object> file;
     PF_EntryPoint entry = nullptr;
     plugin_version version;
@@ -93,9 +94,16 @@ struct plugin::state
     PF_Handle global_data = nullptr;
     bool set_up = false;
 
+    void next(const std::string& stage) const
+    {
+        if (watch)
+            watch(stage.c_str());
+    }
+
     // A set-up command; handles made in it live until global set-down. Refusal is an error.
     void set_up_with(PF_Cmd command, const char* what, PF_OutData& out)
     {
+        next(text_line("in its ", what));
         session host({}, &handles);
         host.makes_global_handles = true;
         host.in_data.global_data = global_data;
@@ -123,23 +131,25 @@ struct plugin::state
 
     ~state()
     {
-        if (!set_up)
-            return;
         try
         {
             PF_OutData out{};
-            set_up_with(PF_Cmd_GLOBAL_SETDOWN, "global set-down", out);
+            if (set_up)
+                set_up_with(PF_Cmd_GLOBAL_SETDOWN, "global set-down", out);
         }
         catch (const error&)
         {
             // The effect is let go whatever it answers, and a destructor has nobody to tell.
         }
+        next("while it was let go");
     }
 };
 
-plugin::plugin(const std::filesystem::path& file) : state_(std::make_unique<state>())
+plugin::plugin(const std::filesystem::path& file, stage_watch watch) : state_(std::make_unique<state>())
 {
     state_->name = file.string();
+    state_->watch = std::move(watch);
+    state_->next("while it was loaded");
     state_->file.emplace(file);
     state_->entry = reinterpret_cast<PF_EntryPoint>(state_->file->symbol("PluginEntry"));
     if (!state_->entry)
@@ -180,6 +190,7 @@ PF_EntryPoint plugin::entry() const
 
 std::string plugin::about() const
 {
+    state_->next("while it was asked about itself");
     session host({}, &state_->handles);
     host.in_data.global_data = state_->global_data;
     host.in_data.num_params = static_cast<A_long>(params().size());

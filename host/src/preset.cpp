@@ -3,15 +3,12 @@
 #include "host/error.hpp"
 #include "host/param_text.hpp"
 #include "param_checks.hpp"
+#include "preset_json.hpp"
 #include "value_text.hpp"
 
-#include <nlohmann/json.hpp>
-
 #include <cmath>
-#include <fstream>
 #include <map>
 #include <optional>
-#include <set>
 #include <utility>
 #include <vector>
 
@@ -21,64 +18,11 @@ namespace
 {
 using nlohmann::json;
 
-constexpr std::size_t largest_file = std::size_t{1024} * 1024;
-constexpr int deepest_nesting = 32;
 // Far beyond any clip (68 years), near enough that arithmetic on times stays exact to well below a frame.
 constexpr double latest_second = 2147483647.0;
 // Keys nearer than this are the same time written in two ways ("2s" and frame 50).
 constexpr double same_time = 1e-9;
-
-// The library's own line, without its tag, cut to what fits a terminal.
-std::string syntax_message(const json::exception& failure)
-{
-    std::string message = failure.what();
-    if (const auto tag_end = message.find("] "); tag_end != std::string::npos)
-    {
-        message.erase(0, tag_end + 2);
-    }
-    return "no valid JSON: " + one_line(message, 240);
-}
-
-// A later member silently wins over an earlier one in most readers of JSON; here it is refused.
-json parse_strictly(std::string_view text)
-{
-    std::vector<std::set<std::string>> members; // of every object that is open
-    const auto check = [&members](int depth, json::parse_event_t event, json& parsed)
-    {
-        switch (event)
-        {
-        case json::parse_event_t::object_start:
-            members.emplace_back();
-            [[fallthrough]];
-        case json::parse_event_t::array_start:
-            if (depth >= deepest_nesting)
-            {
-                throw error("nested more than " + std::to_string(deepest_nesting) + " deep: a preset needs 5");
-            }
-            break;
-        case json::parse_event_t::object_end:
-            members.pop_back();
-            break;
-        case json::parse_event_t::key:
-            if (const auto& key = parsed.get_ref<const std::string&>(); !members.back().insert(key).second)
-            {
-                throw error(in_quotes(key) + " is there twice: keep one");
-            }
-            break;
-        default:
-            break;
-        }
-        return true;
-    };
-    try
-    {
-        return json::parse(text, check);
-    }
-    catch (const json::exception& failure)
-    {
-        throw error(syntax_message(failure));
-    }
-}
+constexpr std::size_t longest_shown = 1000;
 
 param_value read_value(const param_info& info, const json& given)
 {
@@ -214,16 +158,12 @@ track read_track(const param_info& info, const json& given, const composition& f
     return result;
 }
 
-void read_values(const json& given, bool bare, const std::vector<param_info>& params, const composition& frames,
+void read_values(const json& given, const std::vector<param_info>& params, const composition& frames,
                  param_tracks& values)
 {
     std::map<int, std::string> seen; // index of a parameter, and the name it was given by
     for (const auto& [name, value] : given.items())
     {
-        if (bare && name == "description")
-        {
-            continue;
-        }
         const param_info& info = find_param(params, name);
         const auto [first, fresh] = seen.emplace(info.index, name);
         if (!fresh)
@@ -235,64 +175,19 @@ void read_values(const json& given, bool bare, const std::vector<param_info>& pa
     }
 }
 
-std::string read_description(const json& root)
-{
-    const auto found = root.find("description");
-    if (found == root.end())
-    {
-        return {};
-    }
-    if (!found->is_string())
-    {
-        throw error("\"description\" is a text, not a JSON " + std::string(found->type_name()));
-    }
-    auto text = found->get<std::string>();
-    for (const char c : text)
-    {
-        if (static_cast<unsigned char>(c) < 0x20U)
-        {
-            throw error("\"description\" is one line of text without control characters");
-        }
-    }
-    return text;
-}
-
 // The same without the file's name in the messages.
 std::string read_unnamed(std::string_view text, const std::vector<param_info>& params, const composition& frames,
                          param_tracks& values)
 {
-    if (text.size() > largest_file)
-    {
-        throw error("larger than 1 MiB: this is no preset");
-    }
     if (frames.time_scale == 0)
     {
         throw error("key times need a frame rate, and the time scale is 0");
     }
-    const json root = parse_strictly(text);
-    if (!root.is_object())
-    {
-        throw error("a preset is a JSON object such as {\"values\": {...}}, not a JSON " +
-                    std::string(root.type_name()));
-    }
-    const bool bare = !root.contains("values");
-    for (const auto& [member, unused] : root.items())
-    {
-        if (!bare && member != "values" && member != "description")
-        {
-            throw error("unknown entry " + in_quotes(member) + ": there are \"description\" and \"values\"");
-        }
-    }
-    const json& given = bare ? root : root["values"];
-    if (!given.is_object())
-    {
-        throw error("\"values\" is an object of parameters, not a JSON " + std::string(given.type_name()));
-    }
-    std::string description = read_description(root);
+    const preset_parts<json> parts = preset_parts_of<json>(text);
     param_tracks changed = values;
-    read_values(given, bare, params, frames, changed);
+    read_values(parts.values, params, frames, changed);
     values = std::move(changed);
-    return description;
+    return parts.description;
 }
 } // namespace
 
@@ -313,20 +208,27 @@ preset read_preset(std::string_view json_text, const std::string& name_for_messa
 preset load_preset(const std::filesystem::path& file, const std::vector<param_info>& params,
                    const composition& frames, param_tracks& values)
 {
-    std::error_code ignored;
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream || std::filesystem::is_directory(file, ignored))
+    return read_preset(preset_text_of(file), file.string(), params, frames, values);
+}
+
+preset_outline outline_preset(const std::filesystem::path& file)
+{
+    const std::string text = preset_text_of(file);
+    try
     {
-        throw error(file.string() + ": cannot be read: give the path of a preset file");
+        // In the order of the file.
+        const auto parts = preset_parts_of<nlohmann::ordered_json>(text);
+        preset_outline outline{parts.description, {}};
+        for (const auto& [name, value] : parts.values.items())
+        {
+            const std::string shown = value.is_string() ? value.template get<std::string>() : value.dump();
+            outline.values.push_back({one_line(name, longest_shown), one_line(shown, longest_shown)});
+        }
+        return outline;
     }
-    // One byte more than is allowed is enough to see that a file is too large.
-    std::string text(largest_file + 1, '\0');
-    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (stream.bad())
+    catch (const error& failure)
     {
-        throw error(file.string() + ": cannot be read to its end");
+        throw error(file.string() + ": " + failure.what());
     }
-    text.resize(static_cast<std::size_t>(stream.gcount()));
-    return read_preset(text, file.string(), params, frames, values);
 }
 } // namespace host

@@ -65,6 +65,13 @@ A_long units(std::int64_t frames, std::int32_t time_step)
     return static_cast<A_long>(time);
 }
 
+// What an effect asked for at once, where it is so much that it explains a failure.
+std::string asked_for(std::uint64_t bytes)
+{
+    const std::uint64_t mebibytes = bytes >> 20;
+    return mebibytes == 0 ? "" : text_line(" (it asks for ", mebibytes, " MiB)");
+}
+
 pixel_block block_for(const composition& comp, const render_options& options)
 {
     pixel_block block(comp.picture_width(), comp.picture_height(), options.row_padding, true);
@@ -88,7 +95,7 @@ class frame_render
 public:
     frame_render(const plugin& effect, const composition& comp, const param_tracks& values, std::int32_t frame,
                  const_image_view input, const render_options& options)
-        : effect_(effect), comp_(comp), input_view_(input),
+        : effect_(effect), comp_(comp), frame_(frame), input_view_(input),
           host_(options, &plugin_access::global_handles(effect)), values_{effect.params(), values, comp}
     {
         describe(frame);
@@ -192,7 +199,12 @@ private:
 
     void keep_message(PF_Err answer, const PF_OutData& out)
     {
-        if (answer != PF_Err_NONE)
+        if (answer == PF_Err_OUT_OF_MEMORY)
+            refusal_ = text_line(effect_.name(), ": frame ", frame_, " takes more memory than there is",
+                                 asked_for(host_.largest_handle), return_text(out),
+                                 "; draw a lower frame number, a smaller picture, with lower parameter values, or "
+                                 "fewer frames at once");
+        else if (answer != PF_Err_NONE)
             refusal_ = text_line(effect_.name(), ": the effect's render ended with error ", error_text(answer),
                                  return_text(out));
     }
@@ -231,6 +243,7 @@ private:
 
     const plugin& effect_;
     const composition& comp_;
+    const std::int32_t frame_;
     const_image_view input_view_;
     session host_;
     frame_values values_;

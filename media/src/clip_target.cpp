@@ -108,8 +108,8 @@ private:
     void open_encoder(const AVCodec* codec)
     {
         const bool halved_chroma = pixels_ == AV_PIX_FMT_YUV420P;
-        const int width = halved_chroma ? options_.width + options_.width % 2 : options_.width;
-        const int height = halved_chroma ? options_.height + options_.height % 2 : options_.height;
+        width = halved_chroma ? options_.width + options_.width % 2 : options_.width;
+        height = halved_chroma ? options_.height + options_.height % 2 : options_.height;
         if (width != options_.width || height != options_.height)
             notes.push_back("padded to " + std::to_string(width) + "x" + std::to_string(height) +
                             ": H.264 needs even sizes");

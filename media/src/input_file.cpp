@@ -85,7 +85,7 @@ void input_file::open_bytes(const std::filesystem::path& path)
         throw error(name_ + ": is a folder; name a file, or its pictures as in " +
                     (path / "frame_%04d.png").string());
     if (!S_ISREG(status.st_mode))
-        throw error(name_ + ": is no regular file");
+        throw error(name_ + ": is no regular file; name a picture or a clip");
     if (status.st_size == 0)
         throw error(name_ + ": the file is empty");
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdint>
 
 namespace media
 {
@@ -14,11 +15,16 @@ struct still_kind
     const char* ending;
     const char* encoder;
     bool alpha;
+    int largest_side;
 };
 
+// Where a format itself sets no limit within reach, what fits a signed count of bytes a row.
+constexpr int large_side = INT32_MAX / 8;
+
 constexpr still_kind still_kinds[] = {
-    {".png", "png", true},   {".jpg", "mjpeg", false}, {".jpeg", "mjpeg", false},  {".tif", "tiff", true},
-    {".tiff", "tiff", true}, {".bmp", "bmp", false},   {".webp", "libwebp", true},
+    {".png", "png", true, large_side},  {".jpg", "mjpeg", false, 65500},     {".jpeg", "mjpeg", false, 65500},
+    {".tif", "tiff", true, large_side}, {".tiff", "tiff", true, large_side}, {".bmp", "bmp", false, large_side},
+    {".webp", "libwebp", true, 16383},
 };
 
 std::string lower_ending(const std::filesystem::path& path)
@@ -34,13 +40,13 @@ output_format clip_format(const char* muxer, clip_codec codec)
     switch (codec)
     {
     case clip_codec::prores4444:
-        return {output_kind::clip, muxer, "prores_ks", true};
+        return {output_kind::clip, muxer, "prores_ks", true, 65535};
     case clip_codec::animation:
-        return {output_kind::clip, muxer, "qtrle", true};
+        return {output_kind::clip, muxer, "qtrle", true, 65535};
     case clip_codec::h264:
         break;
     }
-    return {output_kind::clip, muxer, "libx264", false};
+    return {output_kind::clip, muxer, "libx264", false, 16384};
 }
 } // namespace
 
@@ -70,11 +76,11 @@ output_format format_of(const std::filesystem::path& output, std::optional<clip_
     if (codec)
         throw error(name + ": a codec can be chosen for .mov and .mp4 only");
     if (ending == ".gif")
-        return {output_kind::clip, "gif", "gif", true};
+        return {output_kind::clip, "gif", "gif", true, 65535};
     for (const still_kind& kind : still_kinds)
         if (ending == kind.ending)
             return {sequence_name::parse(output) ? output_kind::sequence : output_kind::still, "", kind.encoder,
-                    kind.alpha};
+                    kind.alpha, kind.largest_side};
     throw error(name + ": the name must end in .png, .jpg, .tif, .bmp, .webp, .mp4, .mov or .gif");
 }
 } // namespace media

@@ -15,6 +15,8 @@ public:
         : output_(output), encoder_(format.encoder), options_(options), next_(options.first)
     {
         av::quiet();
+        width = options.width;
+        height = options.height;
         if (format.kind == output_kind::sequence)
             pattern_ = sequence_name::parse(output);
         for (std::int32_t i = 0; i < options.count; ++i)

@@ -6,6 +6,7 @@
 #include "source.hpp"
 
 #include <cstring>
+#include <system_error>
 #include <utility>
 
 namespace media
@@ -63,6 +64,10 @@ public:
     {
         if (frame > last_)
             return false;
+        std::error_code ignored;
+        if (!std::filesystem::exists(files_.file(frame), ignored))
+            throw error(files_.file(frame).string() + ": is missing from the sequence; add it, or give --frames "
+                                                      "without it");
         frame_decoder file(files_.file(frame));
         const picture pixels = decode_still(file).pixels;
         if (pixels.width() != info.width || pixels.height() != info.height)

@@ -11,6 +11,8 @@ struct writer::target
     virtual void write(const_image_view frame) = 0;
     virtual void finish() = 0;
     std::vector<std::string> notes;
+    int width = 0; // of what is written
+    int height = 0;
 };
 
 // Single pictures, numbered or not.

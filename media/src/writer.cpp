@@ -1,7 +1,10 @@
 #include "media/writer.hpp"
 
 #include "media/error.hpp"
+#include "pending_file.hpp"
 #include "target.hpp"
+
+#include <algorithm>
 
 namespace media
 {
@@ -26,9 +29,14 @@ writer::writer(const std::filesystem::path& output, const write_options& options
     if (options.width < 1 || options.height < 1)
         throw error(output.string() + ": a picture of " + size_text(options.width, options.height) +
                     " cannot be written");
+    if (std::max(options.width, options.height) > format.largest_side)
+        throw error(output.string() + ": is " + size_text(options.width, options.height) +
+                    " pixels, and this format holds at most " + std::to_string(format.largest_side) +
+                    " a side; name a .png or .mov, or draw smaller");
     if (format.kind == output_kind::still && options.count > 1)
         throw error(output.string() + ": one picture cannot hold " + std::to_string(options.count) +
                     " frames; name the output " + as_sequence(output) + " for a file a frame");
+    remove_abandoned_files(output);
     target_ = format.kind == output_kind::clip ? make_clip_target(output, format, options)
                                                : make_picture_target(output, format, options);
 }
@@ -45,6 +53,16 @@ void writer::write(const_image_view frame)
 void writer::finish()
 {
     target_->finish();
+}
+
+int writer::width() const
+{
+    return target_->width;
+}
+
+int writer::height() const
+{
+    return target_->height;
 }
 
 const std::vector<std::string>& writer::notes() const

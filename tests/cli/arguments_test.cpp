@@ -24,6 +24,13 @@ TEST(arguments, rates_are_exact)
         EXPECT_THROW(parse_rate(text), usage_error) << text;
 }
 
+TEST(arguments, rates_are_in_lowest_terms)
+{
+    EXPECT_EQ(parse_rate("98.901"), (media::rational{9000, 91})); // 99000/1001
+    EXPECT_EQ(parse_rate("76.923"), (media::rational{1000, 13})); // 77000/1001
+    EXPECT_EQ(parse_rate("60000/2002"), (media::rational{30000, 1001}));
+}
+
 TEST(arguments, rates_are_shown_short)
 {
     EXPECT_EQ(rate_text({25, 1}), "25");

@@ -52,6 +52,52 @@ TEST_F(command, nonsense_is_status_two_and_one_line)
     EXPECT_TRUE(names().empty());
 }
 
+TEST_F(command, numbers_beyond_all_reach_are_told)
+{
+    const auto told = [&](const std::vector<std::string>& arguments)
+    {
+        std::vector<std::string> line = {"-o", path("out.png")};
+        line.insert(line.end(), arguments.begin(), arguments.end());
+        const outcome result = render(line);
+        EXPECT_EQ(result.status, 2) << PrintToString(arguments);
+        EXPECT_THAT(result.err, error_line(arguments.front()));
+        return result.err;
+    };
+    EXPECT_THAT(told({"--frames", "0-99999999999"}), HasSubstr("up to 2147483646"));
+    EXPECT_THAT(told({"--size", "999999x999999"}), HasSubstr("up to 30000"));
+    EXPECT_THAT(told({"--jobs", "100000"}), HasSubstr("1 to 256"));
+    EXPECT_THAT(told({"--fps", "1e99"}), HasSubstr("up to 1000"));
+    EXPECT_THAT(told({"--downsample", "99999999999999999999"}), HasSubstr("--downsample"));
+    EXPECT_TRUE(names().empty());
+}
+
+TEST_F(command, frames_that_take_all_memory_are_named)
+{
+    const outcome result =
+        run_tool({"render", "-o", path("out.png"), "--size", "64x64", "--frames", "2000000000"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, error_line("frame 2000000000 takes more memory than there is"));
+    EXPECT_THAT(result.err, HasSubstr("lower frame number"));
+    EXPECT_TRUE(names().empty());
+}
+
+TEST_F(command, negative_values_are_taken_and_percent_signs_told)
+{
+    const auto set = [&](const std::vector<std::string>& setting)
+    {
+        std::vector<std::string> line = {"render", "-o", path("out.png"), "--size", "16x16", "--force", "--set"};
+        line.insert(line.end(), setting.begin(), setting.end());
+        return run_tool(line);
+    };
+    EXPECT_EQ(set({"Line Compression=-60"}).status, 0);
+    EXPECT_EQ(set({"Line Compression=-60%"}).status, 2);
+    EXPECT_THAT(set({"Line Compression=-60%"}).err, error_line("-100 to 100, not \"-60%\": write -60 without"));
+    EXPECT_EQ(set({"Blend Amount=60%"}).status, 0);
+    EXPECT_THAT(set({"Blend Amount=-60%"}).err, error_line("0% to 100%"));
+    EXPECT_EQ(set({"Line Compression", "-60"}).status, 2);
+    EXPECT_THAT(set({"Line Compression", "-60"}).err, error_line("give NAME=VALUE"));
+}
+
 TEST_F(command, unknown_commands_are_named)
 {
     const outcome result = run_tool({"rendr"});

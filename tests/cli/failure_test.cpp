@@ -1,6 +1,7 @@
 // What goes wrong in the middle, and what is left then.
 #include "run_tool.hpp"
 
+#include <csignal>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -42,6 +43,86 @@ TEST_F(failure, an_interrupt_leaves_nothing_half_written)
     EXPECT_FALSE(std::filesystem::exists(at("t.mov")));
 }
 
+TEST_F(failure, the_status_tells_which_signal_stopped_it)
+{
+    for (const auto& [number, status] : {std::pair{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}})
+    {
+        const outcome result = render({"-o", path("out.mov"), "--size", "16x16", "--frames", "0-5000", "--set",
+                                       "Stop At=3", "--set", "Signal=" + std::to_string(number)});
+        EXPECT_EQ(result.status, status);
+        EXPECT_THAT(result.err, HasSubstr("stopped; " + path("out.mov") + " was not written"));
+        EXPECT_TRUE(names().empty());
+    }
+}
+
+TEST_F(failure, a_signal_that_is_ignored_stays_so)
+{
+    const outcome result = render({"-o", path("out.gif"), "--size", "16x16", "--frames", "0-5", "--set",
+                                   "Stop At=3", "--set", "Signal=" + std::to_string(SIGHUP)},
+                                  [] { std::signal(SIGHUP, SIG_IGN); });
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(names(), ElementsAre("out.gif"));
+}
+
+TEST_F(failure, a_second_signal_ends_an_effect_that_hangs_and_leaves_nothing)
+{
+    for (const int number : {SIGINT, SIGTERM})
+        for (const char* name : {"out.mov", "out_%d.png"})
+        {
+            put(at("out.mov"), "precious");
+            const outcome result = render({"-o", path(name), "--force", "--size", "16x16", "--set", "Stop At=0",
+                                           "--set", "Twice=on", "--set", "Signal=" + std::to_string(number)});
+            EXPECT_EQ(result.status, 1000 + number) << result.err;
+            EXPECT_THAT(names(), ElementsAre("out.mov")) << name;
+            EXPECT_EQ(contents(at("out.mov")), "precious");
+        }
+}
+
+TEST_F(failure, a_crash_while_drawing_is_told_and_leaves_nothing)
+{
+    for (const auto& [number, name] : {std::pair{SIGSEGV, "SIGSEGV"}, {SIGABRT, "SIGABRT"}, {SIGFPE, "SIGFPE"}})
+    {
+        put(at("out.mov"), "precious");
+        const outcome result = render({"-o", path("out.mov"), "--force", "--size", "16x16", "--set", "Stop At=2",
+                                       "--set", "Signal=" + std::to_string(number)});
+        EXPECT_EQ(result.status, 1000 + number);
+        EXPECT_THAT(result.err, error_line(std::string(name) + ": " TEST_EFFECT " crashed while it drew"));
+        EXPECT_THAT(names(), ElementsAre("out.mov"));
+        EXPECT_EQ(contents(at("out.mov")), "precious");
+    }
+}
+
+TEST_F(failure, what_a_killed_run_leaves_is_hidden_and_goes_with_the_next)
+{
+    for (const char* name : {"out.mov", "out.mp4", "out.gif"})
+    {
+        const outcome killed = render({"-o", path(name), "--size", "16x16", "--set", "Stop At=3", "--set",
+                                       "Signal=" + std::to_string(SIGKILL)});
+        EXPECT_EQ(killed.status, 1000 + SIGKILL);
+        EXPECT_THAT(names(), ElementsAre(AllOf(StartsWith(".filigrane-"), EndsWith(".part")))) << name;
+        EXPECT_EQ(render({"-o", path(name), "--size", "16x16", "--frames", "0-1"}).status, 0);
+        EXPECT_THAT(names(), ElementsAre(name));
+        std::filesystem::remove(at(name));
+    }
+    render({"-o", path("out_%d.png"), "--size", "16x16", "--set", "Stop At=3", "--jobs", "1", "--set",
+            "Signal=" + std::to_string(SIGKILL)});
+    EXPECT_THAT(names(), ElementsAre("out_0.png", "out_1.png", "out_2.png"));
+}
+
+TEST_F(failure, a_reader_of_messages_that_goes_stops_no_render)
+{
+    const outcome result = render({"-o", path("out.png"), "--size", "8x8", "--timing"},
+                                  []
+                                  {
+                                      int ends[2];
+                                      ASSERT_EQ(pipe(ends), 0);
+                                      dup2(ends[1], STDERR_FILENO);
+                                      close(ends[0]);
+                                  });
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(names(), ElementsAre("out.png"));
+}
+
 TEST_F(failure, no_room_is_an_error_and_leaves_nothing)
 {
     // A limit on a file's size stands in for a full disk.
@@ -58,6 +139,34 @@ TEST_F(failure, no_room_is_an_error_and_leaves_nothing)
         EXPECT_THAT(result.err, error_line(name)) << name;
         EXPECT_THAT(names(), ElementsAre("in.png")) << name;
     }
+    for (const char* name : {"old.png", "old.mov"})
+    {
+        put(at(name), "precious");
+        const outcome result = render({path("in.png"), "-o", path(name), "--frames", "0", "--force"}, little_room);
+        EXPECT_EQ(result.status, 1) << name;
+        EXPECT_THAT(result.err, error_line(name)) << name;
+        EXPECT_EQ(contents(at(name)), "precious") << name;
+    }
+    EXPECT_THAT(names(), ElementsAre("in.png", "old.mov", "old.png"));
+}
+
+TEST_F(failure, places_that_cannot_be_written_to_are_told)
+{
+    put(at("file"), "x");
+    std::filesystem::create_directory(at("folder.png"));
+    const auto told = [&](const std::string& output)
+    {
+        const outcome result = render({"-o", output, "--size", "8x8", "--force"});
+        EXPECT_EQ(result.status, 1) << output;
+        EXPECT_THAT(result.err, error_line(output));
+        return result.err;
+    };
+    EXPECT_THAT(told(path("file/out.png")), HasSubstr("is not a folder"));
+    EXPECT_THAT(told(path("folder.png")), HasSubstr("is a folder; add a file name"));
+    EXPECT_THAT(told("/proc/out.mov"), HasSubstr("cannot be written"));
+    std::filesystem::create_symlink("/dev/full", at("full.png"));
+    EXPECT_THAT(told(path("full.png")), HasSubstr("is no regular file"));
+    EXPECT_THAT(names(), ElementsAre("file", "folder.png", "full.png"));
 }
 
 TEST_F(failure, what_is_there_stays_unless_forced)

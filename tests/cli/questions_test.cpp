@@ -1,8 +1,10 @@
 // params, presets, about, inspect.
 #include "run_tool.hpp"
 
+#include <csignal>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <unistd.h>
 
 using namespace cli_test;
 using namespace testing;
@@ -37,7 +39,7 @@ TEST_F(questions, params_as_a_table_have_a_line_each)
 {
     const outcome result = run_tool({"params", "--plugin", TEST_EFFECT});
     EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1 + 6);
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1 + 8);
     EXPECT_THAT(result.out, AllOf(HasSubstr("Alpha (of all)"), HasSubstr("0 to 255"), HasSubstr("Show Size")));
 }
 
@@ -84,6 +86,67 @@ TEST_F(questions, presets_are_listed_and_shown)
     EXPECT_EQ(mixed.status, 0);
     EXPECT_THAT(mixed.out, HasSubstr("half-level")); // a broken file hides none of the others
     EXPECT_THAT(mixed.err, HasSubstr("bad.json"));
+}
+
+TEST_F(questions, presets_that_are_none_are_shown_as_little_as_loaded)
+{
+    const std::string nested = std::string(5000000, '[') + std::string(5000000, ']');
+    media_test::put(at("deep.json"), "{\"values\": {\"Rows\": " + nested + "}}");
+    media_test::put(at("deeper.json"), "{\"values\": {\"Rows\": " + nested.substr(4900000, 200000) + "}}");
+    media_test::put(at("empty.json"), "");
+    std::filesystem::create_directory(at("folder.json"));
+    for (const auto& [name, part] : {std::pair{"deep", "larger than 1 MiB"},
+                                     {"deeper", "nested more than 32 deep"},
+                                     {"empty", "the file is empty"},
+                                     {"folder", "is a folder"},
+                                     {"none", "No such file"}})
+    {
+        const std::string file = path(std::string(name) + ".json");
+        for (const std::vector<std::string>& line : {std::vector<std::string>{"presets", "show", file},
+                                                     {"render", "-o", path("out.png"), "--preset", file}})
+        {
+            const outcome result = run_tool(line);
+            EXPECT_EQ(result.status, 1) << name;
+            EXPECT_THAT(result.err, error_line(file));
+            EXPECT_THAT(result.err, HasSubstr(part));
+            EXPECT_EQ(result.out, "");
+        }
+    }
+    const outcome list = run_tool({"presets"}, [this] { setenv("FILIGRANE_PRESETS", at("").c_str(), 1); });
+    EXPECT_EQ(list.status, 0);
+    EXPECT_EQ(std::count(list.err.begin(), list.err.end(), '\n'), 3) << list.err; // folders are passed over
+    EXPECT_THAT(list.out, HasSubstr("neon-ripples"));
+}
+
+TEST_F(questions, a_preset_that_is_nearly_named_is_suggested)
+{
+    const outcome shown = run_tool({"presets", "show", "Neon-Rippels"});
+    EXPECT_EQ(shown.status, 1);
+    EXPECT_THAT(shown.err,
+                error_line("\"Neon-Rippels\": did you mean \"neon-ripples\"? 'filigrane presets' lists all"));
+    EXPECT_THAT(run_tool({"presets", "show", "waterfall"}).err,
+                error_line("\"waterfall\": there are angular-wires, "));
+}
+
+TEST_F(questions, a_reader_that_has_enough_ends_the_answer)
+{
+    const auto closed_pipe = [](void (*disposition)(int))
+    {
+        return [disposition]
+        {
+            int ends[2];
+            ASSERT_EQ(pipe(ends), 0);
+            dup2(ends[1], STDOUT_FILENO);
+            close(ends[0]);
+            std::signal(SIGPIPE, disposition);
+        };
+    };
+    const outcome usual = run_tool({"params"}, closed_pipe(SIG_DFL));
+    EXPECT_EQ(usual.status, 1000 + SIGPIPE);
+    EXPECT_EQ(usual.err, "");
+    const outcome ignored = run_tool({"params"}, closed_pipe(SIG_IGN));
+    EXPECT_EQ(ignored.status, 1);
+    EXPECT_THAT(ignored.err, error_line("standard output"));
 }
 
 TEST_F(questions, a_full_output_is_an_error)

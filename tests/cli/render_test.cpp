@@ -96,6 +96,21 @@ TEST_F(render_command, a_clip_brings_size_rate_and_length)
     EXPECT_THAT(render({path("in.mov"), "-o", path("x.png")}).err, error_line("x_%04d.png"));
 }
 
+TEST_F(render_command, the_summary_names_the_size_that_is_written)
+{
+    for (const char* name : {"odd.mp4", "odd.mov"})
+    {
+        std::vector<std::string> line = {"-o", path(name), "--size", "33x21", "--frames", "0-1"};
+        if (std::string(name) == "odd.mov")
+            line.insert(line.end(), {"--codec", "h264"});
+        const outcome result = render(line);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_THAT(result.err, HasSubstr("2 frames, 34x22, 25 fps"));
+        EXPECT_EQ(media::reader(at(name)).info().width, 34);
+    }
+    EXPECT_THAT(render({"-o", path("kept.mov"), "--size", "33x21", "--frames", "0"}).err, HasSubstr("33x21"));
+}
+
 TEST_F(render_command, any_number_of_jobs_makes_the_same_file)
 {
     for (const char* jobs : {"1", "4"})

@@ -1,5 +1,6 @@
 #include "run_tool.hpp"
 
+#include <csignal>
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -43,6 +44,9 @@ outcome run_tool(const std::vector<std::string>& arguments, const std::function<
     {
         dup2(out, STDOUT_FILENO);
         dup2(err, STDERR_FILENO);
+        // What runs the tests may ignore them, and what is ignored stays so in the tool.
+        for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
+            std::signal(number, SIG_DFL);
         if (prepare)
             prepare();
         execv(TOOL, argv.data());

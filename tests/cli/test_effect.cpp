@@ -3,12 +3,14 @@
 //   red    the frame number
 //   green  the "Level" slider, or with "Show Size" the width of the picture
 //   blue   the input's blue at that place
-// "Fail At" makes the render of that frame fail; "Stop At" sends this process an interrupt in it.
+// "Fail At" makes the render of that frame fail; "Stop At" sends this process a signal in it ("Signal", at first
+// an interrupt), "Twice" on two of them, after which the effect never returns.
 
 #include "effect/pf/effect_api.hpp"
 
 #include <csignal>
 #include <cstring>
+#include <unistd.h>
 
 namespace
 {
@@ -20,6 +22,8 @@ enum index
     fail_at,
     stop_at,
     show_size,
+    signal_number,
+    twice,
     count,
 };
 
@@ -36,13 +40,18 @@ PF_Err add_slider(PF_InData* in_data, A_long id, const char* name, A_long minimu
     return in_data->inter.add_param(in_data->effect_ref, -1, &def);
 }
 
-PF_Err add_params(PF_InData* in_data, PF_OutData* out_data)
+PF_Err add_checkbox(PF_InData* in_data, A_long id, const char* name)
 {
     PF_ParamDef def;
     std::memset(&def, 0, sizeof def);
-    def.uu.id = show_size;
+    def.uu.id = id;
     def.param_type = PF_Param_CHECKBOX;
-    def.u.bd.u.nameptr = "Show Size";
+    def.u.bd.u.nameptr = name;
+    return in_data->inter.add_param(in_data->effect_ref, -1, &def);
+}
+
+PF_Err add_params(PF_InData* in_data, PF_OutData* out_data)
+{
     PF_Err err = add_slider(in_data, level, "Level", 0, 255, 200);
     if (err == PF_Err_NONE)
         err = add_slider(in_data, alpha, "Alpha (of all)", 0, 255, 255);
@@ -51,9 +60,23 @@ PF_Err add_params(PF_InData* in_data, PF_OutData* out_data)
     if (err == PF_Err_NONE)
         err = add_slider(in_data, stop_at, "Stop At", -1, 10000, -1);
     if (err == PF_Err_NONE)
-        err = in_data->inter.add_param(in_data->effect_ref, -1, &def);
+        err = add_checkbox(in_data, show_size, "Show Size");
+    if (err == PF_Err_NONE)
+        err = add_slider(in_data, signal_number, "Signal", 1, 64, SIGINT);
+    if (err == PF_Err_NONE)
+        err = add_checkbox(in_data, twice, "Twice");
     out_data->num_params = count;
     return err;
+}
+
+void stop(PF_ParamDef* params[])
+{
+    std::raise(static_cast<int>(params[signal_number]->u.sd.value));
+    if (params[twice]->u.bd.value == 0)
+        return;
+    std::raise(static_cast<int>(params[signal_number]->u.sd.value));
+    for (;;)
+        pause();
 }
 
 PF_Err render(PF_InData* in_data, PF_ParamDef* params[], PF_LayerDef* output)
@@ -62,7 +85,7 @@ PF_Err render(PF_InData* in_data, PF_ParamDef* params[], PF_LayerDef* output)
     if (params[fail_at]->u.sd.value == frame)
         return PF_Err_INTERNAL_STRUCT_DAMAGED;
     if (params[stop_at]->u.sd.value == frame)
-        std::raise(SIGINT);
+        stop(params);
     const PF_LayerDef& input = params[input_layer]->u.ld;
     for (A_long y = 0; y < output->height; ++y)
     {

@@ -166,8 +166,8 @@ TEST(render_frames, throws_what_a_render_throws_after_the_frames_before)
     {
         const run result =
             carried_out({{0, 100}, jobs},
-                        [](const call& now) -> PF_Err { return now.in->current_time >= 6 ? 4 : shift_red(now); });
-        EXPECT_EQ(result.error, "scripted: the effect's render ended with error 4 (out of memory)");
+                        [](const call& now) -> PF_Err { return now.in->current_time >= 6 ? 77 : shift_red(now); });
+        EXPECT_EQ(result.error, "scripted: the effect's render ended with error 77");
         EXPECT_EQ(result.sinks, numbers(0, 5));
     }
 }

@@ -208,6 +208,17 @@ TEST(parse_value, refuses_what_is_no_number)
     }
 }
 
+TEST(parse_value, a_percent_sign_on_a_plain_number_is_told)
+{
+    const std::string takes = "\"Rows\" takes a whole number, 0 to 100, not ";
+    const auto refused = [](const char* text)
+    { return message_of([&] { host::parse_value(labelled(params, "Rows"), text); }); };
+    EXPECT_EQ(takes + "\"60%\": write 60 without the percent sign", refused("60%"));
+    EXPECT_EQ(takes + "\"-6 %\": write -6 without the percent sign", refused("-6 %"));
+    EXPECT_EQ(takes + "\"%\"", refused("%"));
+    EXPECT_EQ(takes + "\"some%\"", refused("some%"));
+}
+
 TEST(parse_value, fixed_slider_takes_fraction_or_percentage)
 {
     EXPECT_EQ(0.5, parsed("Blend Amount", "0.5").x);

@@ -325,6 +325,30 @@ TEST(preset, refuses_deep_nesting)
               refusal(nested(32)));
 }
 
+TEST(preset, refuses_more_entries_than_any_effect_has)
+{
+    std::string json = "{\"0\": 1";
+    for (int i = 1; i < 4097; ++i)
+    {
+        json += ", \"" + std::to_string(i) + "\": 1";
+    }
+    EXPECT_EQ("looks/try.json: more than 4096 entries in one object: this is no preset", refusal(json + "}"));
+}
+
+TEST(preset, a_byte_order_mark_is_no_harm_and_other_encodings_are_told)
+{
+    EXPECT_EQ("(nothing was thrown)", refusal("\xEF\xBB\xBF{\"Rows\": 3}"));
+    const std::string message = "looks/try.json: no valid JSON: the text is UTF-16; save it as UTF-8";
+    EXPECT_EQ(message, refusal(std::string_view("\xFF\xFE{\0}\0", 6)));
+    EXPECT_EQ(message, refusal(std::string_view("\xFE\xFF\0{\0}", 6)));
+    for (const char* json : {"{\"Ro\xFFws\": 3}", "{\"Affect\": \"\xC3\"}", "{\"description\": \"\xED\xA0\x80\"}"})
+    {
+        const std::string told = refusal(json);
+        EXPECT_EQ(0U, told.find("looks/try.json: no valid JSON: ")) << json;
+        EXPECT_EQ(std::string::npos, told.find('\n')) << json;
+    }
+}
+
 TEST(preset, refuses_files_past_one_mebibyte)
 {
     std::string json = R"({"Rows": 3})";
@@ -379,9 +403,64 @@ TEST_F(preset_file, is_named_after_its_stem)
 
 TEST_F(preset_file, that_cannot_be_read_is_named)
 {
-    const std::string remedy = ": cannot be read: give the path of a preset file";
-    EXPECT_EQ((folder / "none.json").string() + remedy, message_for(folder / "none.json"));
-    EXPECT_EQ(folder.string() + remedy, message_for(folder));
+    const std::string remedy = ": give the path of a preset file";
+    EXPECT_EQ((folder / "none.json").string() + ": cannot be read (No such file or directory)" + remedy,
+              message_for(folder / "none.json"));
+    EXPECT_EQ(folder.string() + ": is a folder" + remedy, message_for(folder));
+}
+
+TEST_F(preset_file, that_says_nothing_is_told)
+{
+    const std::string remedy =
+        ": no valid JSON: the file is empty; a preset is an object such as {\"values\": {...}}";
+    for (const char* nothing : {"", " \n\t\r\n"})
+    {
+        std::ofstream(folder / "empty.json") << nothing;
+        EXPECT_EQ((folder / "empty.json").string() + remedy, message_for(folder / "empty.json"));
+    }
+}
+
+TEST_F(preset_file, is_outlined_in_its_own_order)
+{
+    std::ofstream(folder / "a.json") << R"({"values": {"Rows": 3, "Affect": "Both", "No\u001bne": "x\ny",
+        "Any": {"keys": [[0, 1]]}}, "description": "One line."})";
+    const host::preset_outline outline = host::outline_preset(folder / "a.json");
+    EXPECT_EQ("One line.", outline.description);
+    ASSERT_EQ(4U, outline.values.size());
+    EXPECT_EQ("Rows", outline.values[0].name);
+    EXPECT_EQ("3", outline.values[0].value);
+    EXPECT_EQ("Both", outline.values[1].value);
+    EXPECT_EQ("No?ne", outline.values[2].name);
+    EXPECT_EQ("x?y", outline.values[2].value);
+    EXPECT_EQ(R"({"keys":[[0,1]]})", outline.values[3].value);
+
+    std::ofstream(folder / "bare.json") << R"({"description": "Bare.", "Rows": 3})";
+    const host::preset_outline bare = host::outline_preset(folder / "bare.json");
+    EXPECT_EQ("Bare.", bare.description);
+    ASSERT_EQ(1U, bare.values.size());
+    EXPECT_EQ("Rows", bare.values[0].name);
+}
+
+TEST_F(preset_file, is_outlined_only_where_it_is_a_preset)
+{
+    const auto outline_error = [this](const std::string& text)
+    {
+        std::ofstream(folder / "bad.json") << text;
+        try
+        {
+            host::outline_preset(folder / "bad.json");
+        }
+        catch (const host::error& failure)
+        {
+            return std::string(failure.what()).substr((folder / "bad.json").string().size());
+        }
+        return std::string("(nothing was thrown)");
+    };
+    EXPECT_EQ(": nested more than 32 deep: a preset needs 5", outline_error(nested(100000)));
+    EXPECT_EQ(": larger than 1 MiB: this is no preset", outline_error(nested(5000000)));
+    EXPECT_EQ(": \"Rows\" is there twice: keep one", outline_error(R"({"Rows": 3, "Rows": 3})"));
+    EXPECT_EQ(0U, outline_error("{").find(": no valid JSON: "));
+    EXPECT_THROW(host::outline_preset(folder), host::error);
 }
 
 TEST_F(preset_file, that_is_too_large_is_not_read_whole)

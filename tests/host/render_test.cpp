@@ -1,5 +1,6 @@
 #include "host/render.hpp"
 
+#include "portable_math.hpp"
 #include "scripted_effect.hpp"
 
 #include <cmath>
@@ -127,6 +128,19 @@ TEST(render_frame, tells_the_effects_error)
               "Unknown internal error");
     EXPECT_EQ(scripted::error_of([](const call&) -> PF_Err { throw 5; }),
               "scripted: an exception left the effect's entry point during command 11");
+}
+
+TEST(render_frame, tells_what_memory_was_short_for)
+{
+    const std::string remedy =
+        "; draw a lower frame number, a smaller picture, with lower parameter values, or fewer "
+        "frames at once";
+    EXPECT_EQ(scripted::error_of(
+                  [](const call& now)
+                  { return now.utils().host_new_handle(std::uint64_t{3} << 40) ? 0 : PF_Err_OUT_OF_MEMORY; }),
+              "scripted: frame 0 takes more memory than there is (it asks for 3145728 MiB)" + remedy);
+    EXPECT_EQ(scripted::error_of([](const call&) -> PF_Err { return PF_Err_OUT_OF_MEMORY; }),
+              "scripted: frame 0 takes more memory than there is" + remedy);
 }
 
 TEST(render_frame, low_quality_samples_the_nearest_pixel)
@@ -301,7 +315,7 @@ TEST(callbacks, refuse_worlds_and_modes_that_they_cannot_serve)
         });
 }
 
-TEST(callbacks, offer_the_c_librarys_functions)
+TEST(callbacks, offer_the_hosts_own_maths_and_the_c_librarys_text_functions)
 {
     std::vector<std::string> log;
     for (const bool logged : {false, true})
@@ -312,23 +326,23 @@ TEST(callbacks, offer_the_c_librarys_functions)
             [](const call& now)
             {
                 const auto& ansi = now.utils().ansi;
-                EXPECT_EQ(ansi.atan(0.3), std::atan(0.3));
-                EXPECT_EQ(ansi.atan2(0.3, -2), std::atan2(0.3, -2.0));
+                EXPECT_EQ(ansi.atan(0.3), host::maths::atan(0.3));
+                EXPECT_EQ(ansi.atan2(0.3, -2), host::maths::atan2(0.3, -2.0));
                 EXPECT_EQ(ansi.ceil(0.3), 1.0);
-                EXPECT_EQ(ansi.cos(0.3), std::cos(0.3));
-                EXPECT_EQ(ansi.exp(0.3), std::exp(0.3));
+                EXPECT_EQ(ansi.cos(0.3), host::maths::cos(0.3));
+                EXPECT_EQ(ansi.exp(0.3), host::maths::exp(0.3));
                 EXPECT_EQ(ansi.fabs(-0.3), 0.3);
                 EXPECT_EQ(ansi.floor(-0.3), -1.0);
                 EXPECT_EQ(ansi.fmod(7.5, 2), 1.5);
                 EXPECT_EQ(ansi.hypot(3, 4), 5.0);
-                EXPECT_EQ(ansi.log(0.3), std::log(0.3));
-                EXPECT_EQ(ansi.log10(0.3), std::log10(0.3));
+                EXPECT_EQ(ansi.log(0.3), host::maths::log(0.3));
+                EXPECT_EQ(ansi.log10(0.3), host::maths::log10(0.3));
                 EXPECT_EQ(ansi.pow(2, 10), 1024.0);
-                EXPECT_EQ(ansi.sin(0.3), std::sin(0.3));
+                EXPECT_EQ(ansi.sin(0.3), host::maths::sin(0.3));
                 EXPECT_EQ(ansi.sqrt(2), std::sqrt(2.0));
-                EXPECT_EQ(ansi.tan(0.3), std::tan(0.3));
-                EXPECT_EQ(ansi.asin(0.3), std::asin(0.3));
-                EXPECT_EQ(ansi.acos(0.3), std::acos(0.3));
+                EXPECT_EQ(ansi.tan(0.3), host::maths::tan(0.3));
+                EXPECT_EQ(ansi.asin(0.3), host::maths::asin(0.3));
+                EXPECT_EQ(ansi.acos(0.3), host::maths::acos(0.3));
                 char text[40];
                 EXPECT_EQ(ansi.sprintf(text, "%d-%s", 7, "x"), 3);
                 EXPECT_STREQ(text, "7-x");

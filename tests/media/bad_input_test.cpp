@@ -1,6 +1,8 @@
 // Files that cannot be read, or only in part: one line that names them, never a crash or a silent half.
+#include "child_process.hpp"
 #include "clip_maker.hpp"
-#include "temporary_folder.hpp"
+
+#include <sys/stat.h>
 
 using namespace media_test;
 using bad_input = temporary_folder;
@@ -38,7 +40,61 @@ TEST_F(bad_input, missing_empty_and_folders_are_told_apart)
     EXPECT_THAT(reading_error(at("folder")), testing::HasSubstr("folder"));
     EXPECT_THAT(reading_error(at("none_%04d.png")), testing::HasSubstr("none_0000.png"));
     EXPECT_NE(reading_error(at("nowhere") / "f_%d.png"), "");
-    EXPECT_NE(reading_error("/dev/null"), "");
+}
+
+TEST_F(bad_input, pipes_and_devices_are_refused_without_waiting)
+{
+    ASSERT_EQ(mkfifo(at("pipe.png").c_str(), 0600), 0);
+    const std::string remedy = ": is no regular file; name a picture or a clip";
+    EXPECT_EQ(reading_error(at("pipe.png")), at("pipe.png").string() + remedy);
+    EXPECT_EQ(reading_error("/dev/null"), "/dev/null" + remedy);
+    EXPECT_EQ(reading_error("/dev/zero"), "/dev/zero" + remedy);
+}
+
+TEST_F(bad_input, files_without_leave_to_read_are_named)
+{
+    write_all(at("a.png"), sized(4, 4), {noise(4, 4, 1)});
+    std::filesystem::permissions(at("a.png"), std::filesystem::perms::none);
+    std::filesystem::permissions(at(""), std::filesystem::perms(0755));
+    EXPECT_EQ(error_in_child(as_anyone, [&] { media::reader in(at("a.png")); }),
+              at("a.png").string() + ": cannot be read (Permission denied)");
+}
+
+TEST_F(bad_input, a_damaged_clip_is_refused_or_read_and_nothing_else)
+{
+    std::vector<media::picture> frames;
+    for (unsigned i = 0; i < 6; ++i)
+        frames.push_back(make_opaque(noise(48, 32, i)));
+    for (const char* name : {"a.mp4", "a.mov", "a.gif"})
+    {
+        write_all(at(name), sized(48, 32, 6), frames);
+        const std::string whole = contents(at(name));
+        std::mt19937 random(7);
+        int refused = 0;
+        for (int i = 0; i < 40; ++i)
+        {
+            std::string changed = whole;
+            for (int k = 0; k < 1 + i; ++k)
+                changed[random() % changed.size()] = static_cast<char>(random());
+            put(at(name), changed);
+            if (const std::string told = reading_error(at(name)); !told.empty())
+            {
+                expect_named(told, at(name));
+                ++refused;
+            }
+        }
+        EXPECT_GT(refused, 0) << name;
+    }
+}
+
+TEST_F(bad_input, a_gif_without_its_beginning_is_refused)
+{
+    write_all(at("a.gif"), sized(48, 32, 6), std::vector<media::picture>(6, make_opaque(noise(48, 32, 1))));
+    const std::string whole = contents(at("a.gif"));
+    put(at("a.gif"), whole.substr(0, 10));
+    expect_named(reading_error(at("a.gif")), at("a.gif"));
+    put(at("a.gif"), whole.substr(whole.size() / 2));
+    expect_named(reading_error(at("a.gif")), at("a.gif"));
 }
 
 TEST_F(bad_input, garbage_is_no_picture)

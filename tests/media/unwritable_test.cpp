@@ -1,12 +1,10 @@
 // Outputs that cannot be made: a clear line, and nothing left behind.
+#include "child_process.hpp"
 #include "temporary_folder.hpp"
 
 #include <csignal>
-#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace media_test;
 using unwritable = temporary_folder;
@@ -20,36 +18,10 @@ std::string opening_error(const std::filesystem::path& output, int count = 1)
     return error_of([&] { media::writer(output, sized(16, 16, count)); });
 }
 
-// Runs `action` in a process of its own, prepared by `prepare`, and answers what media::error said there.
-template <class P, class A>
-std::string error_in_child(P&& prepare, A&& action)
-{
-    int ends[2];
-    if (pipe(ends) != 0)
-        return "no pipe";
-    const pid_t child = fork();
-    if (child == 0)
-    {
-        prepare();
-        const std::string told = error_of(action);
-        const bool sent = ::write(ends[1], told.data(), told.size()) == static_cast<ssize_t>(told.size());
-        _exit(sent ? 0 : 1);
-    }
-    close(ends[1]);
-    std::string told;
-    char buffer[512];
-    for (ssize_t got = 0; (got = ::read(ends[0], buffer, sizeof buffer)) > 0;)
-        told.append(buffer, static_cast<std::size_t>(got));
-    close(ends[0]);
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the child ended with status " << status;
-    return told;
-}
-
-void write_noise(const std::filesystem::path& output)
+void write_noise(const std::filesystem::path& output, bool overwrite = false)
 {
     media::write_options options = sized(200, 150, output.string().find('%') != std::string::npos ? 3 : 1);
+    options.overwrite = overwrite;
     media::writer out(output, options);
     for (int i = 0; i < options.count; ++i)
         out.write(make_opaque(noise(200, 150, static_cast<unsigned>(i))).view());
@@ -164,11 +136,6 @@ TEST_F(unwritable, a_read_only_folder_is_refused)
     std::filesystem::create_directory(at("locked"));
     std::filesystem::permissions(at("locked"), std::filesystem::perms(0555));
     std::filesystem::permissions(at(""), std::filesystem::perms(0755));
-    const auto as_anyone = []
-    {
-        if (geteuid() == 0 && seteuid(65534) != 0)
-            _exit(2);
-    };
     for (const char* name : every_kind)
         EXPECT_THAT(error_in_child(as_anyone, [&] { media::writer(at("locked") / name, sized(16, 16)); }),
                     testing::HasSubstr("Permission denied"))
@@ -190,5 +157,15 @@ TEST_F(unwritable, running_out_of_room_leaves_nothing)
         const std::string told = error_in_child(little_room, [&] { write_noise(at(name)); });
         EXPECT_THAT(told, testing::HasSubstr("File too large")) << name;
         EXPECT_TRUE(names().empty()) << name;
+    }
+    // The same over a file that is there: it stays.
+    for (const char* name : {"a.png", "a.mov"})
+    {
+        put(at(name), "precious");
+        EXPECT_THAT(error_in_child(little_room, [&] { write_noise(at(name), true); }),
+                    testing::HasSubstr("File too large"));
+        EXPECT_EQ(contents(at(name)), "precious");
+        std::filesystem::remove(at(name));
+        EXPECT_TRUE(names().empty());
     }
 }

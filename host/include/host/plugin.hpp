@@ -6,6 +6,7 @@
 #include "host/parameters.hpp"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,9 +25,14 @@ struct plugin_version
 class plugin
 {
 public:
+    // Called before each step that runs the file's code with the step in words, to end "it crashed": "while it was
+    // loaded", "in its global set-up", "while it was asked about itself".
+    using stage_watch = std::function<void(const char* stage)>;
+
     // Loads the file and sets the effect up. Throws host::error naming the file where it is missing, no shared
-    // object, for another architecture, without the entry point, or refuses its set-up.
-    explicit plugin(const std::filesystem::path& file);
+    // object, for another architecture, without the entry point, or refuses its set-up. A file that may crash or
+    // hang is better met in a process of its own first: see probe.hpp.
+    explicit plugin(const std::filesystem::path& file, stage_watch watch = {});
     // The same for an entry point that is linked in; `name` stands for the file in messages.
     plugin(PF_EntryPoint entry, std::string name);
     ~plugin();

@@ -8,7 +8,7 @@
 //       "Rotation": {"keys": [[0, 0], ["2s", 360]], "interpolation": "linear"} } }
 //
 // A bare object of values (without "values") is read the same way. A key's time is a frame number or "<seconds>s".
-// At most 1 MiB, nested at most 32 deep.
+// At most 1 MiB, nested at most 32 deep, 4096 entries in one object.
 
 #include "host/parameters.hpp"
 #include "host/render.hpp"
@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host
 {
@@ -33,4 +34,17 @@ preset load_preset(const std::filesystem::path& file, const std::vector<param_in
                    const composition& frames, param_tracks& values);
 preset read_preset(std::string_view json, const std::string& name_for_messages,
                    const std::vector<param_info>& params, const composition& frames, param_tracks& values);
+
+// What a preset's file says, for showing: whether an effect has these names and takes these values is not asked.
+struct preset_outline
+{
+    struct entry
+    {
+        std::string name;
+        std::string value;
+    };
+    std::string description;
+    std::vector<entry> values; // in the order of the file
+};
+preset_outline outline_preset(const std::filesystem::path& file);
 } // namespace host

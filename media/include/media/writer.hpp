@@ -3,7 +3,8 @@
 //
 // Nothing half-written is ever seen under the output's name: a file is written under a hidden name in the same
 // folder and renamed when it is complete. A writer that goes away without finish() takes its file with it (of a
-// sequence, the pictures already complete stay).
+// sequence, the pictures already complete stay). What a killed process leaves under a hidden name goes when the
+// next writer into the folder opens.
 
 #include "media/image.hpp"
 #include "media/rational.hpp"
@@ -38,9 +39,10 @@ enum class output_kind
 struct output_format
 {
     output_kind kind = output_kind::still;
-    std::string muxer;   // of a clip: "mp4", "mov" or "gif"
-    std::string encoder; // libav's name of the encoder
-    bool alpha = false;  // keeps transparency (in GIF: a pixel is there or not)
+    std::string muxer;    // of a clip: "mp4", "mov" or "gif"
+    std::string encoder;  // libav's name of the encoder
+    bool alpha = false;   // keeps transparency (in GIF: a pixel is there or not)
+    int largest_side = 0; // width and height are at most this
 };
 
 // Decides by the name: .png .jpg .jpeg .tif .tiff .bmp .webp, a pattern of one of these (see sequence_name), .mp4,
@@ -66,7 +68,7 @@ class writer
 {
 public:
     // Refuses at once what cannot work: a folder that is missing or read-only, a name that is taken, a single
-    // picture's name for several frames.
+    // picture's name for several frames, a size that the format does not hold.
     writer(const std::filesystem::path& output, const write_options& options);
     ~writer();
     writer(writer&&) noexcept;
@@ -79,6 +81,9 @@ public:
     void finish();
     // What the user may want to know, one line each: an odd size that was padded, audio that stayed behind.
     const std::vector<std::string>& notes() const;
+    // The size of what is written: H.264's is even, whatever the frames' is.
+    int width() const;
+    int height() const;
 
     struct target;
 
