@@ -72,4 +72,19 @@ TEST(compile_commands, keep_the_effect_free_of_contraction_and_fast_arithmetic)
             << c.file << ": " << level;
     }
 }
+
+// A narrowing that nobody wrote out, or a name that hides another, is how a picture changes by accident.
+TEST(compile_commands, ask_for_every_warning_about_the_effect)
+{
+    for (const command& c : commands_of_the_effect())
+    {
+        for (const std::string wanted :
+             {"all", "extra", "shadow", "conversion", "float-conversion", "double-promotion"})
+        {
+            EXPECT_TRUE(c.has("-W" + wanted)) << c.file << ": " << wanted;
+            EXPECT_FALSE(c.has("-Wno-" + wanted)) << c.file << ": " << wanted;
+        }
+        EXPECT_FALSE(c.has("-w") || c.has("-Wno-error")) << c.file;
+    }
+}
 } // namespace

@@ -1,4 +1,5 @@
-// The plug-in's file gives out its entry point and nothing else, and needs no library but the system's.
+// The plug-in's file gives out its entry point and nothing else, needs no library but the system's, and has no
+// variables that outlive a call.
 
 #include <elf.h>
 #include <gtest/gtest.h>
@@ -49,7 +50,25 @@ public:
         return names;
     }
 
+    // Names of what stands in the sections of variables, those of threads included. Constants that the loader
+    // relocates are in sections of their own.
+    std::vector<std::string> variables() const
+    {
+        std::vector<std::string> names;
+        for (const Elf64_Shdr& section : sections(SHT_SYMTAB))
+            for (const Elf64_Sym& symbol : records<Elf64_Sym>(section))
+                if (symbol.st_shndx < SHN_LORESERVE && ELF64_ST_TYPE(symbol.st_info) != STT_SECTION &&
+                    holds_variables(symbol.st_shndx))
+                    names.emplace_back(text(section.sh_link, symbol.st_name));
+        return names;
+    }
+
 private:
+    bool holds_variables(std::uint64_t index) const
+    {
+        const std::string name = text(at<Elf64_Ehdr>(0).e_shstrndx, section(index).sh_name);
+        return name == ".data" || name == ".bss" || name == ".tdata" || name == ".tbss";
+    }
     template <class T>
     T at(std::uint64_t offset) const
     {
@@ -109,4 +128,18 @@ TEST(plugin_file, needs_the_standard_libraries_alone)
             << name;
     }
 }
+
+#if !defined(__SANITIZE_ADDRESS__) // which has variables of its own in every file
+TEST(plugin_file, has_no_variables_of_its_own)
+{
+    const elf_file file(FILIGRANE_BUILT_PLUGIN);
+    ASSERT_TRUE(file.valid());
+    const std::vector<std::string> variables = file.variables();
+    EXPECT_FALSE(variables.empty()) << "the file is stripped: nothing can be told";
+    for (const std::string& name : variables)
+        EXPECT_TRUE(name == "__dso_handle" || name == "__TMC_END__" || name.starts_with("completed.") ||
+                    name.starts_with("DW.ref."))
+            << name;
+}
+#endif
 } // namespace
