@@ -170,6 +170,7 @@ void set_up_rasteriser(frame_data& frame)
     creator.pool = frame.pool;
     creator.in_data = frame.in_data;
     creator.samplesPerPixel = trunc_i32(quality + 1.0);
+    creator.level = chosen_simd_level();
     creator.coreOpacity = 1.0f;
     creator.monocolor = true;
     creator.pixelFunction = &LineCreatorClass::CalculatePixelMonocolor;

@@ -4,6 +4,7 @@
 // per render, then for each stroke or piece of a wrapped one.
 
 #include "effect/pf/effect_api.hpp"
+#include "effect/raster/simd_level.hpp"
 #include "effect/raster/stroke_point.hpp"
 #include "effect/shell/mem_pool.hpp"
 
@@ -54,6 +55,8 @@ public:
     float coreOpacity = 0.0f;            // factor of the alpha reached at the radius; 1 for none
     std::uint8_t* coveredMask = nullptr; // width x height: 1 where the current stroke's core is
     bool monocolor = false;
+    simd_level level =
+        simd_level::baseline;     // scalar: the plain functions of the whole effect, not of the strokes alone
     std::int64_t sweptPixels = 0; // by all strokes of the render so far
     std::int64_t sampleLooks = 0; // of searches without a list of places, by all strokes so far
     void (LineCreatorClass::*pixelFunction)(int, int) = nullptr;

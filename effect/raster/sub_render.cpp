@@ -37,7 +37,7 @@ void visit_swept_boxes(const LineCreatorClass& creator, float radius, Visit visi
 
 int LineCreatorClass::Render()
 {
-    if (!draw_stroke_fast(*this))
+    if (level == simd_level::scalar || !draw_stroke_fast(*this))
         (this->*subRenderFunction)();
     return 1;
 }
