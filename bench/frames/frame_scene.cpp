@@ -1,0 +1,157 @@
+#include "bench/frames/frame_scene.hpp"
+
+#include "bench/measure.hpp"
+
+#include "host/param_text.hpp"
+
+#include <chrono>
+#include <cstddef>
+#include <cstdlib>
+#include <optional>
+#include <stdexcept>
+
+namespace bench
+{
+namespace
+{
+const host::plugin& effect()
+{
+    static const host::plugin the_effect(FILIGRANE_BUILT_PLUGIN);
+    return the_effect;
+}
+
+// The level of renders, as the effect reads it, for the time of one.
+class level_of_renders
+{
+public:
+    explicit level_of_renders(const char* level)
+    {
+        if (const char* const before = std::getenv(kName))
+            before_ = before;
+        setenv(kName, level, 1);
+    }
+    ~level_of_renders()
+    {
+        if (before_)
+            setenv(kName, before_->c_str(), 1);
+        else
+            unsetenv(kName);
+    }
+    level_of_renders(const level_of_renders&) = delete;
+    level_of_renders& operator=(const level_of_renders&) = delete;
+
+private:
+    static constexpr const char* kName = "FILIGRANE_SIMD";
+    std::optional<std::string> before_;
+};
+
+host::param_tracks values_of(const frame_scene& scene)
+{
+    const std::vector<host::param_info>& params = effect().params();
+    host::param_tracks values(params);
+    for (const auto& [label, text] : scene.settings)
+    {
+        const host::param_info& info = host::find_param(params, label);
+        values.set(info.index, host::parse_value(info, text));
+    }
+    return values;
+}
+
+// Soft colours, to be displaced.
+std::vector<std::uint8_t> input_picture(int width, int height)
+{
+    std::vector<std::uint8_t> pixels;
+    pixels.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+        {
+            pixels.push_back(255);
+            pixels.push_back(static_cast<std::uint8_t>(255 * x / width));
+            pixels.push_back(static_cast<std::uint8_t>(255 * y / height));
+            pixels.push_back(static_cast<std::uint8_t>((x / 8 + y / 8) % 2 != 0 ? 60 : 190));
+        }
+    return pixels;
+}
+} // namespace
+
+const std::vector<frame_scene>& frame_scenes()
+{
+    static const std::vector<frame_scene> scenes = {
+        {"defaults", {}},
+        {"20 x 20", {{"Rows", "20"}, {"Columns", "20"}}},
+        {"40 x 40, radius 10", {{"Rows", "40"}, {"Columns", "40"}, {"Normal Line Width (NLW)", "20"}}},
+        {"NLW 80 blended", {{"Normal Line Width (NLW)", "80"}}},
+        {"NLW 60 blended", {{"Normal Line Width (NLW)", "60"}}},
+        {"NLW 60 one colour", {{"Normal Line Width (NLW)", "60"}, {"Blend Amount", "0%"}}},
+        {"NLW 200", {{"Normal Line Width (NLW)", "200"}}},
+        {"ends growth frame 100",
+         {{"Lines Have Ends", "on"},
+          {"Vertical Length", "1000"},
+          {"Horizontal Length", "1800"},
+          {"Vertical Growth", "8"},
+          {"Horizontal Growth", "15"},
+          {"Growth Randomness", "50"}},
+         100},
+        {"ends growth frame 500",
+         {{"Lines Have Ends", "on"},
+          {"Vertical Length", "1000"},
+          {"Horizontal Length", "1800"},
+          {"Vertical Growth", "8"},
+          {"Horizontal Growth", "15"},
+          {"Growth Randomness", "50"}},
+         500},
+        {"displacement", {{"Use Displacement", "on"}, {"Amount of Displacement", "20"}}},
+        {"angular Affect 2", {{"Angular Lines", "on"}, {"Affect", "Horz Lines"}}},
+        {"all randomness rotated",
+         {{"Rotation", "30deg"},
+          {"Line Spacing Randomness", "100%"},
+          {"NLW Randomness", "100"},
+          {"Distortion Randomness", "100%"},
+          {"Opacity Randomness", "60%"},
+          {"Length Randomness", "100"},
+          {"Starting Point Randomness", "50%"},
+          {"Growth Randomness", "100"},
+          {"Frequency Randomness", "60%"},
+          {"Size Randomness", "100"},
+          {"Speed Randomness", "100"},
+          {"Turbulance Randomness", "100%"}}},
+    };
+    return scenes;
+}
+
+const frame_scene& frame_scene_named(const std::string& name)
+{
+    for (const frame_scene& scene : frame_scenes())
+        if (scene.name == name)
+            return scene;
+    throw std::runtime_error("there is no scene \"" + name + "\"");
+}
+
+frame_case::frame_case(const frame_scene& scene, int width, int height, PF_Quality quality)
+    : values_(values_of(scene)), frame_(scene.frame), input_(input_picture(width, height)), output_(input_.size())
+{
+    comp_.width = width;
+    comp_.height = height;
+    comp_.total_frames = 1000;
+    comp_.quality = quality;
+}
+
+frame_times frame_case::draw(bool plain)
+{
+    std::optional<level_of_renders> level;
+    if (plain)
+        level.emplace("scalar");
+    host::render_options options;
+    options.timed = true;
+    const host::const_image_view from = {input_.data(), comp_.width, comp_.height, 4 * comp_.width};
+    const host::image_view to = {output_.data(), comp_.width, comp_.height, 4 * comp_.width};
+
+    // The host reads a wall clock. What other processes took meanwhile is taken off both parts alike.
+    const double cpu_before = thread_seconds();
+    const auto wall_before = std::chrono::steady_clock::now();
+    const host::render_stats stats = host::render_frame(effect(), comp_, values_, frame_, from, to, options);
+    const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - wall_before).count();
+    const double share = (thread_seconds() - cpu_before) / wall;
+    return {share * (stats.total_seconds - stats.host_seconds), share * stats.host_seconds};
+}
+} // namespace bench

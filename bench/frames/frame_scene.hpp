@@ -1,0 +1,47 @@
+#pragma once
+// Whole frames of the plug-in's file through the host library.
+
+#include "host/render.hpp"
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace bench
+{
+struct frame_scene
+{
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> settings; // parameter by label, value as a person writes it
+    std::int32_t frame = 0;
+};
+
+const std::vector<frame_scene>& frame_scenes();
+const frame_scene& frame_scene_named(const std::string& name);
+
+// What is left of a frame's time when the host's part is taken off, and the host's part; seconds.
+struct frame_times
+{
+    double effect = 0.0;
+    double host = 0.0;
+};
+
+// A scene at a size and quality, ready to be drawn again and again.
+class frame_case
+{
+public:
+    frame_case(const frame_scene& scene, int width, int height, PF_Quality quality = PF_Quality_HI);
+
+    // Draws the frame. `plain`: by the functions that define the picture alone.
+    frame_times draw(bool plain = false);
+    const std::vector<std::uint8_t>& picture() const { return output_; }
+
+private:
+    host::composition comp_;
+    host::param_tracks values_;
+    std::int32_t frame_;
+    std::vector<std::uint8_t> input_;
+    std::vector<std::uint8_t> output_;
+};
+} // namespace bench

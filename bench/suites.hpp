@@ -1,0 +1,14 @@
+#pragma once
+// What can be timed, one function each.
+
+#include "bench/report.hpp"
+
+namespace bench
+{
+// Strokes of five kinds against Cairo, AGG and the plain functions.
+void time_strokes(run& r);
+// Ten times the radius, the same line.
+void time_wide_strokes(run& r);
+// Whole frames of the plug-in's file, fast against plain.
+void time_frames(run& r);
+} // namespace bench
