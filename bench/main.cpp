@@ -28,6 +28,7 @@ const suite kSuites[] = {
     {"strokes", "strokes against Cairo, AGG and the plain functions", bench::time_strokes, true},
     {"wide_strokes", "radius 200 against radius 20", bench::time_wide_strokes, true},
     {"frames", "whole frames, fast against plain", bench::time_frames, true},
+    {"frame_matrix", "whole frames at three sizes and both qualities", bench::time_frame_matrix, false},
 };
 
 void print_help()

@@ -11,4 +11,6 @@ void time_strokes(run& r);
 void time_wide_strokes(run& r);
 // Whole frames of the plug-in's file, fast against plain.
 void time_frames(run& r);
+// The same frames at three sizes and both qualities, the effect's part and the host's.
+void time_frame_matrix(run& r);
 } // namespace bench

@@ -1,10 +1,7 @@
 #include "bench/frames/frame_scene.hpp"
 
-#include "bench/measure.hpp"
-
 #include "host/param_text.hpp"
 
-#include <chrono>
 #include <cstddef>
 #include <cstdlib>
 #include <optional>
@@ -14,12 +11,6 @@ namespace bench
 {
 namespace
 {
-const host::plugin& effect()
-{
-    static const host::plugin the_effect(FILIGRANE_BUILT_PLUGIN);
-    return the_effect;
-}
-
 // The level of renders, as the effect reads it, for the time of one.
 class level_of_renders
 {
@@ -47,7 +38,7 @@ private:
 
 host::param_tracks values_of(const frame_scene& scene)
 {
-    const std::vector<host::param_info>& params = effect().params();
+    const std::vector<host::param_info>& params = clocked_effect().params();
     host::param_tracks values(params);
     for (const auto& [label, text] : scene.settings)
     {
@@ -141,17 +132,9 @@ frame_times frame_case::draw(bool plain)
     std::optional<level_of_renders> level;
     if (plain)
         level.emplace("scalar");
-    host::render_options options;
-    options.timed = true;
     const host::const_image_view from = {input_.data(), comp_.width, comp_.height, 4 * comp_.width};
     const host::image_view to = {output_.data(), comp_.width, comp_.height, 4 * comp_.width};
-
-    // The host reads a wall clock. What other processes took meanwhile is taken off both parts alike.
-    const double cpu_before = thread_seconds();
-    const auto wall_before = std::chrono::steady_clock::now();
-    const host::render_stats stats = host::render_frame(effect(), comp_, values_, frame_, from, to, options);
-    const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - wall_before).count();
-    const double share = (thread_seconds() - cpu_before) / wall;
-    return {share * (stats.total_seconds - stats.host_seconds), share * stats.host_seconds};
+    host::render_frame(clocked_effect(), comp_, values_, frame_, from, to);
+    return last_frame_times();
 }
 } // namespace bench

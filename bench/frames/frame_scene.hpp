@@ -1,6 +1,8 @@
 #pragma once
 // Whole frames of the plug-in's file through the host library.
 
+#include "bench/frames/effect_clock.hpp"
+
 #include "host/render.hpp"
 
 #include <cstdint>
@@ -19,13 +21,6 @@ struct frame_scene
 
 const std::vector<frame_scene>& frame_scenes();
 const frame_scene& frame_scene_named(const std::string& name);
-
-// What is left of a frame's time when the host's part is taken off, and the host's part; seconds.
-struct frame_times
-{
-    double effect = 0.0;
-    double host = 0.0;
-};
 
 // A scene at a size and quality, ready to be drawn again and again.
 class frame_case
