@@ -1,5 +1,6 @@
 #include "effect/layout/crossing.hpp"
 
+#include "effect/layout/rising_values.hpp"
 #include "effect/layout/sp_line.hpp"
 #include "effect/model/curve.hpp"
 #include "effect/model/frame_data.hpp"
@@ -87,22 +88,55 @@ void build_knots(const crossing& x, sp_line** knots)
     }
 }
 
-// Sample m of the bend: the first knot's line, and each further one's departure from the straight line at half the
-// weight of the one before. False where the first knot gives it no place.
-bool bend_sample(const crossing& x, sp_line* const* knots, int m, fpoint_t* out)
+// The bend around one crossing, from its knots: the first one's line, and each further one's departure from the
+// straight line at half the weight of the one before.
+class bend
 {
-    const auto pow = x.frame.in_data->utils->ansi.pow;
-    const float at = x.position(m);
-    float v = 0.0f;
-    if (!knots[1]->value(at, &v))
-        return false;
-    *out = x.bend_point(static_cast<double>(v), at);
-    double& across = x.vertical() ? out->x : out->y;
-    for (int k = 2; k < x.ripple.harmonics(); ++k)
-        if (knots[k] != nullptr && knots[k]->value(at, &v))
-            across += static_cast<double>(v - x.p) / pow(2.0, static_cast<double>(k - 1));
-    return true;
-}
+public:
+    bend(const crossing& x, sp_line* const* knots)
+        : x_(x), knots_(knots), plain_(x.frame.lineCreator.level == simd_level::scalar),
+          tangents_(x.frame.in_data->utils->ansi)
+    {
+        for (int k = 1; k < x.ripple.harmonics(); ++k)
+            if (knots[k] != nullptr)
+                values_[k] = rising_values(*knots[k], tangents_);
+    }
+
+    // Sample m. False where the first knot gives it no place.
+    bool sample(int m, fpoint_t* out)
+    {
+        const float at = x_.position(m);
+        float v = 0.0f;
+        if (!value(1, at, &v))
+            return false;
+        *out = x_.bend_point(static_cast<double>(v), at);
+        double& across = x_.vertical() ? out->x : out->y;
+        for (int k = 2; k < x_.ripple.harmonics(); ++k)
+            if (knots_[k] != nullptr && value(k, at, &v))
+                across += static_cast<double>(v - x_.p) / weight(k);
+        return true;
+    }
+
+private:
+    bool value(int k, float at, float* v) { return plain_ ? knots_[k]->value(at, v) : values_[k].value(at, v); }
+
+    // What knot k's departure is divided by; the host's power is asked once.
+    double weight(int k)
+    {
+        if (plain_ || !weighed_[k])
+            weight_[k] = x_.frame.in_data->utils->ansi.pow(2.0, static_cast<double>(k - 1));
+        weighed_[k] = true;
+        return weight_[k];
+    }
+
+    const crossing& x_;
+    sp_line* const* knots_;
+    bool plain_;
+    tangent_memory tangents_;
+    rising_values values_[curve::kMostHarmonics];
+    double weight_[curve::kMostHarmonics] = {};
+    bool weighed_[curve::kMostHarmonics] = {};
+};
 
 // Where the first knot's line ends; below every number where no part of it runs forward.
 double bend_end(const crossing& x, const sp_line& knot)
@@ -125,13 +159,14 @@ void append_bend(const crossing& x, sp_line* const* knots, int count, sp_line& s
 {
     const float length = 2.0f * x.reach;
     const double end = bend_end(x, *knots[1]);
+    bend around(x, knots);
     if (x.frame.angularLines == 0)
     {
         const int whole = std::min(trunc_i32(static_cast<double>(length)), count);
         for (int m = 0; m < whole && straight.takes_points() && static_cast<double>(x.position(m)) < end; ++m)
         {
             fpoint_t point{};
-            if (bend_sample(x, knots, m, &point))
+            if (around.sample(m, &point))
                 straight.insert_distortion(&point, 1);
         }
         return;
@@ -144,7 +179,7 @@ void append_bend(const crossing& x, sp_line* const* knots, int count, sp_line& s
         fpoint_t point{};
         if (m >= count)
             point = x.bend_point(static_cast<double>(x.p), x.across + x.reach);
-        else if (m < 0 || !bend_sample(x, knots, m, &point))
+        else if (m < 0 || !around.sample(m, &point))
             continue;
         straight.insert_distortion(&point, 1);
     }

@@ -102,7 +102,9 @@ bool set_up_rasteriser(frame_data& frame, aeg* context)
     creator.width = canvas->width;
     creator.height = canvas->height;
     creator.rowBytes = canvas->rowbytes;
-    creator.coveredMask = pool_array<std::uint8_t>(frame.pool, std::int64_t{canvas->width} * canvas->height);
+    // Every stroke that needs the mask clears it first; most pages of it are never touched.
+    creator.coveredMask =
+        pool_array_used<std::uint8_t>(frame.pool, std::int64_t{canvas->width} * canvas->height, 0);
     creator.CreateTables();
     return creator.coveredMask != nullptr && creator.coverageTable != nullptr;
 }

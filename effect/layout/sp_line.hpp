@@ -77,6 +77,7 @@ public:
 
 private:
     friend class falling_values;
+    friend class rising_values;
 
     sp_line(frame_data* frame, unsigned char vertical) noexcept;
 

@@ -7,9 +7,9 @@
 
 namespace
 {
-// An index is 16 bits wide, and the sample after it is read, too. A ripple that has slid for hours has more
-// samples than that; those are never read, and neither cleared nor drawn (the generator ends with the
-// constructor).
+// An index is below the count and 16 bits wide, and the sample after it is read, too. All further samples, which
+// is to say most of a turbulent ripple's bands, are never read, and neither cleared nor drawn (the generator ends
+// with the constructor).
 constexpr std::int64_t kReadable = 32769;
 
 std::int16_t octave_count(float turbulence) noexcept
@@ -17,7 +17,7 @@ std::int16_t octave_count(float turbulence) noexcept
     if (turbulence < 2.0f)
         return 2;
     if (turbulence > 7.0f)
-        return 7;
+        return curve::kMostHarmonics;
     return trunc_i16(static_cast<double>(turbulence));
 }
 
@@ -52,10 +52,8 @@ curve::curve(frame_data* frame, unsigned int seed, int skip, std::int64_t phase,
     const std::int64_t drawn = sample_count(count_, bands_);
     if (drawn < 0)
         return;
-    const std::int64_t read = std::min(drawn + 1, kReadable);
-    samples_ =
-        static_cast<float*>(pool_alloc_used(frame->pool, static_cast<std::uint64_t>(drawn + 1) * sizeof(float),
-                                            static_cast<std::uint64_t>(read) * sizeof(float)));
+    const std::int64_t read = std::min({drawn + 1, count_ + 1, kReadable});
+    samples_ = pool_array_used<float>(frame->pool, drawn + 1, 0);
     if (samples_ == nullptr)
         return;
 
@@ -63,8 +61,9 @@ curve::curve(frame_data* frame, unsigned int seed, int skip, std::int64_t phase,
     for (int i = 0; i < skip; ++i)
         rand.random();
     const auto reach = static_cast<double>(amplitude_);
-    for (std::int64_t i = 0; i < std::min(drawn, read); ++i)
-        samples_[i] = static_cast<float>(rand.random(-reach, reach));
+    const std::int64_t random = std::min(drawn, read);
+    gen.fill(-reach, reach, samples_, random);
+    std::fill(samples_ + random, samples_ + read, 0.0f);
 }
 
 bool curve::f(float t, float* out) const noexcept

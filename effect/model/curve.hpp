@@ -12,6 +12,8 @@ class frame_data;
 class curve : public ae_obj
 {
 public:
+    static constexpr int kMostHarmonics = 7;
+
     // `phase` is the frame number, `turbulence` the line's own, `skip` a number of draws thrown away first.
     // Draws from a generator of its own, seeded with `seed`: size, wavelength, speed, the skipped ones, the
     // samples.

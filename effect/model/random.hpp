@@ -29,6 +29,9 @@ public:
     // One step; the new state, 0 to 2147483646.
     unsigned int GetNextRandomInt() noexcept;
 
+    // `count` steps; out[i] is what MATH_Rand_IMP::random(lo, hi) draws, narrowed.
+    void fill(double lo, double hi, float* out, std::int64_t count) noexcept;
+
 private:
     std::uint32_t state_ = 1;
 };

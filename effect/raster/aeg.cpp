@@ -19,9 +19,15 @@ void aeg::flush()
     mode.opacity = 255;
     const PF_Pixel clear = {0, 0, 0, 0};
 
+    // The rows of tiles that have a dirty one.
+    std::uint8_t row_dirty[kTiles] = {};
+    for (int x = 0; x < kTiles; ++x)
+        for (int y = 0; y < kTiles; ++y)
+            row_dirty[y] |= tileDirty[x * kTiles + y];
+
     for (int y = 0; y < kTiles; ++y)
     {
-        for (int x = 0; x < kTiles; ++x)
+        for (int x = 0; row_dirty[y] != 0 && x < kTiles; ++x)
         {
             const int tile = x * kTiles + y;
             if (tileDirty[tile] == 0)

@@ -10,6 +10,6 @@ enum class simd_level : std::uint8_t
     avx2,
 };
 
-// The level that the environment variable FILIGRANE_SIMD names (scalar, sse2 for the baseline, avx2), as far as the
-// processor goes; without it, or with another word in it, the highest that the processor has.
+// The level that the environment variable FILIGRANE_SIMD names (scalar, sse2 for the baseline, avx2), as far as
+// the processor goes; without it, or with another word in it, the highest that the processor has.
 simd_level chosen_simd_level() noexcept;

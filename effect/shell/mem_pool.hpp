@@ -36,14 +36,23 @@ inline void* pool_alloc(mem_pool* pool, std::uint64_t bytes) noexcept
     return pool_alloc_used(pool, bytes, bytes);
 }
 
-// Room for `count` zero-filled records of type T, or null where the count is negative or does not fit. Constructs
-// nothing: T is a plain record for which zero bytes are a value.
+// Room for `count` records of type T of which the first `cleared` (none to all) are zero-filled, or null where the
+// count is negative or does not fit. Constructs nothing: T is a plain record. Records that are not cleared are the
+// caller's to write before they are read.
 template <class T>
-T* pool_array(mem_pool* pool, std::int64_t count) noexcept
+T* pool_array_used(mem_pool* pool, std::int64_t count, std::int64_t cleared) noexcept
 {
     if (count < 0 || static_cast<std::uint64_t>(count) > std::numeric_limits<std::uint64_t>::max() / sizeof(T))
         return nullptr;
-    return static_cast<T*>(pool_alloc(pool, static_cast<std::uint64_t>(count) * sizeof(T)));
+    return static_cast<T*>(pool_alloc_used(pool, static_cast<std::uint64_t>(count) * sizeof(T),
+                                           static_cast<std::uint64_t>(cleared) * sizeof(T)));
+}
+
+// The same, all of them zero-filled: zero bytes are a value of T.
+template <class T>
+T* pool_array(mem_pool* pool, std::int64_t count) noexcept
+{
+    return pool_array_used<T>(pool, count, count);
 }
 
 // A T constructed in the pool, or null where there is no room. Its destructor never runs.

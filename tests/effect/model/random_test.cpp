@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <random>
+#include <vector>
 
 using Loom::RandomGenerator32;
 
@@ -289,4 +290,27 @@ TEST_F(sum_param, times_wrap_around)
     sum(gen, 4);
     EXPECT_EQ(host.calls({"checkout"})[4], "checkout 43 at -2147483648 step 1073741824 scale 25");
     EXPECT_EQ(host.calls({"checkout"})[8], "checkout 43 at 0 step 1073741824 scale 25");
+}
+
+TEST(random, fill_draws_what_single_draws_give)
+{
+    std::mt19937 seeds(21);
+    for (int round = 0; round < 400; ++round)
+    {
+        // Seeds above the modulus, at it and around 0, too.
+        const unsigned odd[] = {0u, 1u, 2147483646u, 2147483647u, 2147483648u, 4294967294u, 4294967295u};
+        const unsigned seed = round < 7 ? odd[round] : static_cast<unsigned>(seeds());
+        const std::int64_t count = round % 20 == 0 ? 0 : seeds() % 300;
+        const double lo = round % 3 == 0 ? -15.0 : static_cast<double>(seeds() % 1000) / 7.0 - 40.0;
+        const double hi = round % 3 == 0 ? 15.0 : lo + static_cast<double>(seeds() % 1000) / 11.0;
+        RandomGenerator32 one(seed);
+        RandomGenerator32 many(seed);
+        std::vector<float> drawn(static_cast<std::size_t>(count) + 1, 77.0f);
+        many.fill(lo, hi, drawn.data(), count);
+        for (std::int64_t i = 0; i < count; ++i)
+            ASSERT_EQ(drawn[static_cast<std::size_t>(i)], static_cast<float>(MATH_Rand_IMP(one).random(lo, hi)))
+                << "seed " << seed << ", draw " << i;
+        EXPECT_EQ(drawn.back(), 77.0f);
+        EXPECT_EQ(one.GetNextRandomInt(), many.GetNextRandomInt()) << "seed " << seed << ", " << count << " draws";
+    }
 }
