@@ -3,11 +3,13 @@
 
 #include <cstdint>
 
-enum class simd_level : std::uint8_t
+// The baseline is 0: all of a frame record is zero before it is written.
+enum class simd_level : std::int8_t
 {
-    scalar,   // the plain functions that define the picture, everywhere
-    baseline, // the fast ways, with what every processor of the kind has: SSE2 on 64-bit x86, NEON on 64-bit Arm
-    avx2,
+    scalar = -1, // the plain functions that define the picture, everywhere
+    baseline =
+        0, // the fast ways, with what every processor of the kind has: SSE2 on 64-bit x86, NEON on 64-bit Arm
+    avx2 = 1,
 };
 
 // The level that the environment variable FILIGRANE_SIMD names (scalar, sse2 for the baseline, avx2), as far as
