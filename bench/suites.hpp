@@ -13,6 +13,10 @@ void time_wide_strokes(run& r);
 void time_frames(run& r);
 // The same frames at three sizes and both qualities, the effect's part and the host's.
 void time_frame_matrix(run& r);
+// A line from its ripple to its samples, stage by stage.
+void time_layout(run& r);
+// Swept boxes, pixel functions and flushing.
+void time_raster(run& r);
 // The host's compositing and sampling, against pixman where it has the same.
 void time_host(run& r);
 } // namespace bench
