@@ -32,6 +32,7 @@ const suite kSuites[] = {
     {"layout", "stages of a line: sampling, ripples, crossings", bench::time_layout, false},
     {"raster", "stages of a stroke: swept boxes, pixel functions, flushing", bench::time_raster, false},
     {"host", "the host's compositing and sampling, against pixman", bench::time_host, false},
+    {"growth", "frames over lines, width, size, number and turbulence", bench::time_growth, false},
 };
 
 void print_help()

@@ -31,7 +31,7 @@ public:
     std::size_t add_timed(std::string name, std::function<double()> body);
 
     // Warms every case up once, then repeats it for about `seconds_each`: 3 to 41 times, or once where already the
-    // warm-up takes longer than that.
+    // warm-up takes longer than that; where it takes five times as long, it is the repetition.
     void run(double seconds_each);
 
     const timings& of(std::size_t place) const { return cases_[place].taken; }

@@ -19,4 +19,6 @@ void time_layout(run& r);
 void time_raster(run& r);
 // The host's compositing and sampling, against pixman where it has the same.
 void time_host(run& r);
+// Frames over their number of lines, width, size, number and turbulence.
+void time_growth(run& r);
 } // namespace bench

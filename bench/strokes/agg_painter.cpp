@@ -10,6 +10,7 @@
 #include <agg_scanline_u.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace bench
@@ -61,14 +62,45 @@ class filler : public agg_painter
 {
 public:
     using agg_painter::agg_painter;
-    void draw(const wave_stroke& stroke) override
+    void draw(const wave_stroke& stroke) override { fill(stroke.outline); }
+
+protected:
+    void fill(const std::vector<point>& outline)
     {
         path().reset();
-        path().move_to_d(stroke.outline[0].x, stroke.outline[0].y);
-        for (std::size_t i = 1; i < stroke.outline.size(); ++i)
-            path().line_to_d(stroke.outline[i].x, stroke.outline[i].y);
+        path().move_to_d(outline[0].x, outline[0].y);
+        for (std::size_t i = 1; i < outline.size(); ++i)
+            path().line_to_d(outline[i].x, outline[i].y);
         render();
     }
+};
+
+// Makes the outline itself, across from each sample to both sides.
+class outliner : public filler
+{
+public:
+    using filler::filler;
+    void draw(const wave_stroke& stroke) override
+    {
+        const std::size_t last = stroke.center.size() - 1;
+        const auto radius = static_cast<double>(stroke.radius);
+        outline_.resize(2 * (last + 1));
+        for (std::size_t i = 0; i <= last; ++i)
+        {
+            const point from = stroke.center[i == 0 ? 0 : i - 1];
+            const point to = stroke.center[i == last ? last : i + 1];
+            const double x = to.x - from.x;
+            const double y = to.y - from.y;
+            const double scale = radius / std::sqrt(x * x + y * y);
+            const point at = stroke.center[i];
+            outline_[i] = {at.x - y * scale, at.y + x * scale};
+            outline_[2 * last + 1 - i] = {at.x + y * scale, at.y - x * scale};
+        }
+        fill(outline_);
+    }
+
+private:
+    std::vector<point> outline_;
 };
 
 // Points as AGG's converters read them.
@@ -110,6 +142,11 @@ public:
 std::unique_ptr<painter> agg_fill_painter(int width, int height)
 {
     return std::make_unique<filler>(width, height);
+}
+
+std::unique_ptr<painter> agg_outline_painter(int width, int height)
+{
+    return std::make_unique<outliner>(width, height);
 }
 
 std::unique_ptr<painter> agg_stroke_painter(int width, int height)

@@ -34,6 +34,8 @@ std::unique_ptr<painter> cairo_fill_painter(int width, int height);
 
 // AGG filling the outline that is made outside the clock.
 std::unique_ptr<painter> agg_fill_painter(int width, int height);
+// The same with the outline made inside the clock.
+std::unique_ptr<painter> agg_outline_painter(int width, int height);
 // AGG's stroker.
 std::unique_ptr<painter> agg_stroke_painter(int width, int height);
 } // namespace bench
