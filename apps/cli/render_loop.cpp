@@ -2,8 +2,6 @@
 
 #include "stop_signal.hpp"
 
-#include <cstring>
-
 namespace cli
 {
 namespace
@@ -23,7 +21,7 @@ host::image_view as_host(media::image_view view)
     return {view.argb, view.width, view.height, view.rowbytes};
 }
 
-// The input's frames at the size that is drawn.
+// The input's frames at the size that is drawn, into pictures that are transparent black before.
 class frame_feed
 {
 public:
@@ -35,13 +33,9 @@ public:
 
     bool fill(std::int32_t frame, host::image_view into)
     {
-        const media::image_view drawn = as_media(into);
         if (!plan_.input)
-        {
-            for (int y = 0; y < drawn.height; ++y)
-                std::memset(drawn.row(y), 0, 4 * static_cast<std::size_t>(drawn.width));
             return true;
-        }
+        const media::image_view drawn = as_media(into);
         if (plan_.comp.downsample == 1)
             return plan_.input->read(frame, drawn);
         if (!plan_.input->read(frame, full_.view()))

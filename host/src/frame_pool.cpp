@@ -1,14 +1,19 @@
 #include "host/frame_pool.hpp"
 
 #include "host/error.hpp"
+#include "lent_render.hpp"
+#include "pixel_block.hpp"
+#include "plugin_access.hpp"
 #include "text.hpp"
 
 #include <algorithm>
 #include <condition_variable>
+#include <cstring>
 #include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <system_error>
 #include <thread>
 
@@ -19,19 +24,28 @@ namespace
 // The pictures of one frame on its way, from the source's call to the end of the sink's.
 struct slot
 {
-    explicit slot(const composition& comp)
-        : width(comp.picture_width()), height(comp.picture_height()),
-          input(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4), output(input.size())
+    slot(const composition& comp, memory_reserve& reserve)
+        : input(comp.picture_width(), comp.picture_height(), 0, true, &reserve),
+          output(comp.picture_width(), comp.picture_height(), 0, true, &reserve)
     {
+        if (!input.data() || !output.data())
+            throw std::bad_alloc();
     }
-    image_view input_view() { return {input.data(), width, height, width * 4}; }
-    image_view output_view() { return {output.data(), width, height, width * 4}; }
-    const_image_view finished() const { return {output.data(), width, height, width * 4}; }
 
-    int width;
-    int height;
-    std::vector<std::uint8_t> input;
-    std::vector<std::uint8_t> output;
+    static image_view view_of(const pixel_block& picture)
+    {
+        return {reinterpret_cast<std::uint8_t*>(picture.data()), picture.width(), picture.height(),
+                picture.rowbytes()};
+    }
+    const_image_view finished() const
+    {
+        const image_view view = view_of(output);
+        return {view.argb, view.width, view.height, view.rowbytes};
+    }
+
+    pixel_block input;
+    pixel_block output;
+    bool used = false; // the input is not as made
     std::vector<std::string> log;
     std::exception_ptr failure; // of the source or the render
 };
@@ -103,8 +117,12 @@ private:
             pictures = spare();
             pictures->failure = nullptr;
             pictures->log.clear();
-            std::fill(pictures->input.begin(), pictures->input.end(), std::uint8_t{0});
-            if (!source_(frame, pictures->input_view()))
+            const image_view input = slot::view_of(pictures->input);
+            if (pictures->used)
+                std::memset(input.argb, 0,
+                            static_cast<std::size_t>(input.rowbytes) * static_cast<std::size_t>(input.height));
+            pictures->used = true;
+            if (!source_(frame, input))
                 return nullptr;
         }
         catch (...)
@@ -120,7 +138,7 @@ private:
     {
         const std::lock_guard hold(mutex_);
         if (spares_.empty())
-            return std::make_unique<slot>(comp_);
+            return std::make_unique<slot>(comp_, plugin_access::memory(effect_));
         auto pictures = std::move(spares_.back());
         spares_.pop_back();
         return pictures;
@@ -134,9 +152,8 @@ private:
         {
             render_options options = options_;
             options.log = options_.log ? &pictures.log : nullptr;
-            const image_view input = pictures.input_view();
-            render_frame(effect_, comp_, values_, frame, {input.argb, input.width, input.height, input.rowbytes},
-                         pictures.output_view(), options);
+            render_lent_frame(effect_, comp_, values_, frame, slot::view_of(pictures.input),
+                              slot::view_of(pictures.output), options);
         }
         catch (...)
         {
@@ -226,6 +243,7 @@ std::int32_t render_frames(const plugin& effect, const composition& comp, const 
 {
     if (jobs < 1)
         throw error(text_line(jobs, " jobs cannot render anything; give 1 or more"));
+    check_renderable(comp, options);
     const std::int64_t frames = std::int64_t{range.last} - range.first + 1;
     if (frames <= 0)
         return 0;

@@ -17,10 +17,9 @@ constexpr std::uint64_t largest_handle = std::uint64_t{1} << 36;
 // Fresh blocks are poisoned up to here: a pool of gigabytes, most of it never touched, must stay cheap.
 constexpr std::uint64_t poisoned_bytes = std::uint64_t{1} << 20;
 
-bool all_poison(const char* bytes)
+bool all_poison(const std::byte* bytes)
 {
-    return std::all_of(bytes, bytes + guard_bytes,
-                       [](char byte) { return static_cast<unsigned char>(byte) == poison; });
+    return std::all_of(bytes, bytes + guard_bytes, [](std::byte byte) { return byte == std::byte{poison}; });
 }
 } // namespace
 
@@ -29,12 +28,12 @@ PF_Handle handle_store::make(std::uint64_t size)
     if (size > largest_handle)
         return nullptr;
     auto entry = std::make_unique<block>();
-    entry->memory.reset(new (std::nothrow) char[size + 2 * guard_bytes]);
-    if (!entry->memory)
+    entry->memory = memory_reserve::take(reserve_, size + 2 * guard_bytes, false);
+    if (!entry->memory.data())
         return nullptr;
     entry->size = size;
-    entry->master = entry->memory.get() + guard_bytes;
-    std::memset(entry->memory.get(), poison, guard_bytes + std::min(size, poisoned_bytes));
+    entry->master = reinterpret_cast<char*>(entry->memory.data()) + guard_bytes;
+    std::memset(entry->memory.data(), poison, guard_bytes + std::min(size, poisoned_bytes));
     std::memset(entry->master + size, poison, guard_bytes);
 
     const std::lock_guard hold(mutex_);
@@ -104,7 +103,7 @@ void handle_store::dispose(PF_Handle handle, findings& found)
     }
     // The record stays, so that the handle's address is not handed out again and a second disposal is recognised.
     entry->disposed = true;
-    entry->memory.reset();
+    entry->memory = {};
     entry->master = nullptr;
 }
 
@@ -133,9 +132,9 @@ void handle_store::check(const block& entry, findings& found)
 {
     if (!found.checked())
         return;
-    if (!all_poison(entry.memory.get()))
+    if (!all_poison(entry.memory.data()))
         found.add(text_line("handle ", entry.number, " was written to before its first byte"));
-    if (!all_poison(entry.memory.get() + guard_bytes + entry.size))
+    if (!all_poison(entry.memory.data() + guard_bytes + entry.size))
         found.add(text_line("handle ", entry.number, " was written to past its last byte"));
 }
 

@@ -2,6 +2,7 @@
 // The relocatable blocks that an effect asks for: handles point to a master pointer, which points to the block.
 
 #include "findings.hpp"
+#include "memory_reserve.hpp"
 
 #include "effect/pf/effect_api.hpp"
 
@@ -17,7 +18,10 @@ namespace host
 class handle_store
 {
 public:
-    explicit handle_store(bool checked) : checked_(checked) {}
+    // `reserve`, where the blocks come from, may be null.
+    explicit handle_store(bool checked, memory_reserve* reserve = nullptr) : checked_(checked), reserve_(reserve)
+    {
+    }
 
     PF_Handle make(std::uint64_t size);
     bool has(PF_Handle handle) const; // live or, in checked mode, disposed of
@@ -38,7 +42,7 @@ private:
     struct block
     {
         char* master = nullptr; // what the handle points at; must stay first
-        std::unique_ptr<char[]> memory;
+        memory_block memory;
         std::uint64_t size = 0;
         int number = 0;
         int locks = 0;
@@ -51,6 +55,7 @@ private:
     static void check(const block& entry, findings& found);
 
     const bool checked_;
+    memory_reserve* const reserve_;
     mutable std::mutex mutex_;
     std::unordered_map<PF_Handle, std::unique_ptr<block>> blocks_;
     int made_ = 0;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <limits>
+#include <memory>
 
 namespace host
 {
@@ -25,27 +26,38 @@ bool world_size_fits(std::int64_t width, std::int64_t height, int row_padding)
     return rowbytes <= limit && height <= limit / rowbytes;
 }
 
-pixel_block::pixel_block(int width, int height, int row_padding, bool cleared)
+pixel_block::pixel_block(int width, int height, int row_padding, bool cleared, memory_reserve* reserve)
     : width_(width), height_(height), rowbytes_(width * 4 + row_padding)
 {
-    // The allocator hands out cleared pages without touching them, which clearing by hand would.
     const std::size_t pixels = static_cast<std::size_t>(rowbytes_) * static_cast<std::size_t>(height);
     std::size_t room = pixels + 3 * guard_bytes;
-    memory_.reset(std::calloc(room, 1));
-    if (!memory_)
+    memory_ = memory_reserve::take(reserve, room, cleared);
+    if (!memory_.data())
         return;
-    void* start = static_cast<unsigned char*>(memory_.get()) + guard_bytes;
+    void* start = memory_.data() + guard_bytes;
     room -= guard_bytes;
     auto* first = static_cast<unsigned char*>(std::align(guard_bytes, pixels + guard_bytes, start, room));
     std::memset(first - guard_bytes, poison, guard_bytes);
     std::memset(first + pixels, poison, guard_bytes);
     if (!cleared)
         std::memset(first, poison, pixels);
-    else if (row_padding > 0)
+    else if (!memory_.zero())
+        std::memset(first, 0, pixels);
+    if (cleared && row_padding > 0)
         for (int y = 0; y < height; ++y)
             std::memset(first + static_cast<std::size_t>(y) * static_cast<std::size_t>(rowbytes_) + width * 4,
                         poison, static_cast<std::size_t>(row_padding));
     data_ = reinterpret_cast<PF_Pixel*>(first);
+}
+
+pixel_block pixel_block::lent(PF_Pixel* data, int width, int height, int rowbytes)
+{
+    pixel_block block;
+    block.data_ = data;
+    block.width_ = width;
+    block.height_ = height;
+    block.rowbytes_ = rowbytes;
+    return block;
 }
 
 PF_EffectWorld pixel_block::world() const

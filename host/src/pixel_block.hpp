@@ -1,12 +1,11 @@
 #pragma once
 // The memory of one world: rows of pixels with padding, guard bytes before the first and after the last row.
 
+#include "memory_reserve.hpp"
+
 #include "effect/pf/effect_api.hpp"
 
-#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 namespace host
 {
@@ -18,8 +17,10 @@ class pixel_block
 public:
     // A block without memory: what is left when there is not enough of it.
     pixel_block() = default;
-    // Sizes are positive and the caller's business; check data() for null.
-    pixel_block(int width, int height, int row_padding, bool cleared);
+    // Sizes are positive and the caller's business; check data() for null. `reserve` may be null.
+    pixel_block(int width, int height, int row_padding, bool cleared, memory_reserve* reserve);
+    // Over pixels of somebody else's, which stay as they are; without guards, and with padding that is not ours.
+    static pixel_block lent(PF_Pixel* data, int width, int height, int rowbytes);
 
     PF_Pixel* data() const { return data_; }
     int width() const { return width_; }
@@ -28,7 +29,7 @@ public:
     // A world over the whole block.
     PF_EffectWorld world() const;
 
-    // Null while the guards and the padding are as made, else which of them was written to.
+    // Null while the guards and the padding are as made, else which of them was written to. Not for lent pixels.
     const char* damage() const;
 
     // Marks every pixel as no longer in use, and whether that has been respected.
@@ -36,12 +37,7 @@ public:
     bool pixels_poisoned() const;
 
 private:
-    struct release
-    {
-        void operator()(void* memory) const { std::free(memory); }
-    };
-
-    std::unique_ptr<void, release> memory_;
+    memory_block memory_;
     PF_Pixel* data_ = nullptr;
     int width_ = 0;
     int height_ = 0;

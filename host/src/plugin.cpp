@@ -91,6 +91,7 @@ struct plugin::state
     plugin_version version;
     param_registry registry;
     handle_store handles{false};
+    memory_reserve memory;
     PF_Handle global_data = nullptr;
     bool set_up = false;
 
@@ -215,5 +216,10 @@ PF_Handle plugin_access::global_data(const plugin& effect)
 handle_store& plugin_access::global_handles(const plugin& effect)
 {
     return effect.state_->handles;
+}
+
+memory_reserve& plugin_access::memory(const plugin& effect)
+{
+    return effect.state_->memory;
 }
 } // namespace host

@@ -11,6 +11,8 @@ struct plugin_access
     // The effect's own global data, null where it has none, and the store its handles stand in.
     static PF_Handle global_data(const plugin& effect);
     static handle_store& global_handles(const plugin& effect);
+    // What its frames leave for the next ones.
+    static memory_reserve& memory(const plugin& effect);
 };
 
 // The code in words, for messages: "4 (out of memory)".

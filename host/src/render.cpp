@@ -1,6 +1,7 @@
 #include "host/render.hpp"
 
 #include "host/error.hpp"
+#include "lent_render.hpp"
 #include "param_record.hpp"
 #include "plugin_access.hpp"
 #include "session.hpp"
@@ -72,9 +73,10 @@ std::string asked_for(std::uint64_t bytes)
     return mebibytes == 0 ? "" : text_line(" (it asks for ", mebibytes, " MiB)");
 }
 
-pixel_block block_for(const composition& comp, const render_options& options)
+pixel_block block_for(const composition& comp, const render_options& options, memory_reserve& reserve)
 {
-    pixel_block block(comp.picture_width(), comp.picture_height(), options.row_padding, true);
+    pixel_block block(comp.picture_width(), comp.picture_height(), options.row_padding, true,
+                      options.checked ? nullptr : &reserve);
     if (!block.data())
         throw error(text_line("out of memory for a picture of ", comp.picture_width(), " by ",
                               comp.picture_height(), " pixels"));
@@ -89,17 +91,49 @@ void copy_rows(std::uint8_t* to, int to_rowbytes, const std::uint8_t* from, int 
                     static_cast<std::size_t>(width) * 4);
 }
 
-// One frame's conversation, from sequence set-up to sequence set-down.
+// Whether an effect can be given the pixels as they are: it counts on whole pixels, and where rows were to be
+// padded or guarded they must be the host's own.
+bool can_lend(image_view view, const render_options& options)
+{
+    return !options.checked && options.row_padding == 0 && view.rowbytes % 4 == 0 &&
+           reinterpret_cast<std::uintptr_t>(view.argb) % alignof(std::uint32_t) == 0;
+}
+
+pixel_block lent(image_view view)
+{
+    return pixel_block::lent(reinterpret_cast<PF_Pixel*>(view.argb), view.width, view.height, view.rowbytes);
+}
+
+void clear(image_view view)
+{
+    const auto used = static_cast<std::size_t>(view.width) * 4;
+    if (used == static_cast<std::size_t>(view.rowbytes))
+        std::memset(view.argb, 0, used * static_cast<std::size_t>(view.height));
+    else
+        for (int y = 0; y < view.height; ++y)
+            std::memset(view.argb + std::ptrdiff_t{view.rowbytes} * y, 0, used);
+}
+
+const_image_view to_read(image_view view)
+{
+    return {view.argb, view.width, view.height, view.rowbytes};
+}
+
+// One frame's conversation, from sequence set-up to sequence set-down. `lent_input` is null where the input must
+// not be lent.
 class frame_render
 {
 public:
     frame_render(const plugin& effect, const composition& comp, const param_tracks& values, std::int32_t frame,
-                 const_image_view input, const render_options& options)
-        : effect_(effect), comp_(comp), frame_(frame), input_view_(input),
-          host_(options, &plugin_access::global_handles(effect)), values_{effect.params(), values, comp}
+                 const_image_view input, std::uint8_t* lent_input, image_view output,
+                 const render_options& options)
+        : effect_(effect), comp_(comp), frame_(frame), input_view_(input), output_view_(output),
+          host_(options, &plugin_access::global_handles(effect), &plugin_access::memory(effect)),
+          values_{effect.params(), values, comp}
     {
         describe(frame);
-        make_pictures();
+        make_input({lent_input, input.width, input.height, input.rowbytes});
+        make_output();
         fill_params();
     }
 
@@ -125,13 +159,8 @@ public:
         else
             keep_message(stats.result, out);
         finish(stats);
+        deliver();
         return stats;
-    }
-
-    void copy_output(image_view to) const
-    {
-        copy_rows(to.argb, to.rowbytes, reinterpret_cast<const std::uint8_t*>(output_.data), output_.rowbytes,
-                  to.width, to.height);
     }
 
 private:
@@ -151,14 +180,40 @@ private:
         in.global_data = plugin_access::global_data(effect_);
     }
 
-    void make_pictures()
+    void make_input(image_view lendable)
     {
-        values_.input = host_.worlds.adopt("input", block_for(comp_, host_.options));
-        output_ = host_.worlds.adopt("output", block_for(comp_, host_.options));
-        copy_rows(reinterpret_cast<std::uint8_t*>(values_.input.data), values_.input.rowbytes, input_view_.argb,
-                  input_view_.rowbytes, input_view_.width, input_view_.height);
+        if (lendable.argb && can_lend(lendable, host_.options))
+            values_.input = host_.worlds.adopt("input", lent(lendable));
+        else
+        {
+            values_.input = host_.worlds.adopt("input", own_block());
+            copy_rows(reinterpret_cast<std::uint8_t*>(values_.input.data), values_.input.rowbytes,
+                      input_view_.argb, input_view_.rowbytes, input_view_.width, input_view_.height);
+        }
         values_.input.world_flags = 0; // an effect reads its input, it does not write it
         host_.frame = &values_;
+    }
+
+    // Made after the input, which the caller may have in the same memory.
+    void make_output()
+    {
+        if (can_lend(output_view_, host_.options))
+        {
+            clear(output_view_);
+            output_ = host_.worlds.adopt("output", lent(output_view_));
+        }
+        else
+            output_ = host_.worlds.adopt("output", own_block());
+    }
+
+    pixel_block own_block() const { return block_for(comp_, host_.options, plugin_access::memory(effect_)); }
+
+    void deliver() const
+    {
+        const auto* drawn = reinterpret_cast<const std::uint8_t*>(output_.data);
+        if (drawn != output_view_.argb)
+            copy_rows(output_view_.argb, output_view_.rowbytes, drawn, output_.rowbytes, output_view_.width,
+                      output_view_.height);
     }
 
     void fill_params()
@@ -244,7 +299,8 @@ private:
     const plugin& effect_;
     const composition& comp_;
     const std::int32_t frame_;
-    const_image_view input_view_;
+    const const_image_view input_view_;
+    const image_view output_view_;
     session host_;
     frame_values values_;
     PF_LayerDef output_{};
@@ -264,21 +320,39 @@ int composition::picture_height() const
     return reduced(height, downsample);
 }
 
+namespace
+{
+render_stats render_checked_arguments(const plugin& effect, const composition& comp, const param_tracks& values,
+                                      std::int32_t frame, const_image_view input, std::uint8_t* lent_input,
+                                      image_view output, const render_options& options)
+{
+    check_renderable(comp, options);
+    check_picture("input", input.argb, input.width, input.height, input.rowbytes, comp);
+    check_picture("output", output.argb, output.width, output.height, output.rowbytes, comp);
+    if (values.count() != static_cast<int>(effect.params().size()))
+        throw error(text_line("values for ", values.count(), " parameters do not fit the ", effect.params().size(),
+                              " of ", effect.name()));
+    return frame_render(effect, comp, values, frame, input, lent_input, output, options).run();
+}
+} // namespace
+
+void check_renderable(const composition& comp, const render_options& options)
+{
+    check_composition(comp);
+    check_options(options, comp);
+}
+
 render_stats render_frame(const plugin& effect, const composition& comp, const param_tracks& values,
                           std::int32_t frame, const_image_view input, image_view output,
                           const render_options& options)
 {
-    check_composition(comp);
-    check_picture("input", input.argb, input.width, input.height, input.rowbytes, comp);
-    check_picture("output", output.argb, output.width, output.height, output.rowbytes, comp);
-    check_options(options, comp);
-    if (values.count() != static_cast<int>(effect.params().size()))
-        throw error(text_line("values for ", values.count(), " parameters do not fit the ", effect.params().size(),
-                              " of ", effect.name()));
+    return render_checked_arguments(effect, comp, values, frame, input, nullptr, output, options);
+}
 
-    frame_render render(effect, comp, values, frame, input, options);
-    const render_stats stats = render.run();
-    render.copy_output(output);
-    return stats;
+render_stats render_lent_frame(const plugin& effect, const composition& comp, const param_tracks& values,
+                               std::int32_t frame, image_view input, image_view output,
+                               const render_options& options)
+{
+    return render_checked_arguments(effect, comp, values, frame, to_read(input), input.argb, output, options);
 }
 } // namespace host

@@ -46,8 +46,9 @@ void checkout_ledger::check_all(findings& found) const
         found.add(text_line(left.call, ": was never checked in"));
 }
 
-session::session(const render_options& how, handle_store* global)
-    : options(how), found(how.checked), trace(options), worlds(found), handles(how.checked), global_handles(global)
+session::session(const render_options& how, handle_store* global, memory_reserve* reserve)
+    : options(how), found(how.checked), trace(options), worlds(found, how.checked ? nullptr : reserve),
+      handles(how.checked, how.checked ? nullptr : reserve), global_handles(global)
 {
     in_data.effect_ref = reinterpret_cast<PF_ProgPtr>(this);
     in_data.utils = &utils;

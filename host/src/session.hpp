@@ -43,8 +43,9 @@ private:
 
 struct session
 {
-    // `global` holds the handles that outlive this session; null where there are none.
-    session(const render_options& how, handle_store* global);
+    // `global` holds the handles that outlive this session, `reserve` its memory when it is over; null where there
+    // are none. Checked mode does without the reserve: memory of its own shows more.
+    session(const render_options& how, handle_store* global, memory_reserve* reserve = nullptr);
     session(const session&) = delete;
     session& operator=(const session&) = delete;
 

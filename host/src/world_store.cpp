@@ -24,7 +24,7 @@ PF_Err world_store::make(int width, int height, PF_NewWorldFlags flags, int row_
         return PF_Err_BAD_CALLBACK_PARAM;
     if (!world_size_fits(width, height, row_padding))
         return PF_Err_OUT_OF_MEMORY;
-    pixel_block block(width, height, row_padding, (flags & PF_NewWorldFlag_CLEAR_PIXELS) != 0);
+    pixel_block block(width, height, row_padding, (flags & PF_NewWorldFlag_CLEAR_PIXELS) != 0, reserve_);
     if (!block.data())
         return PF_Err_OUT_OF_MEMORY;
 

@@ -12,7 +12,8 @@ namespace host
 class world_store
 {
 public:
-    explicit world_store(findings& found) : found_(found) {}
+    // `reserve`, where the pixels of worlds come from, may be null.
+    world_store(findings& found, memory_reserve* reserve) : found_(found), reserve_(reserve) {}
 
     // The host's own worlds, named for messages; they are never disposed of by the effect.
     PF_EffectWorld adopt(std::string name, pixel_block block);
@@ -47,6 +48,7 @@ private:
     void check(const record& entry);
 
     findings& found_;
+    memory_reserve* const reserve_;
     std::deque<record> records_;
     int made_ = 0;
 };

@@ -1,0 +1,153 @@
+#include "memory_reserve.hpp"
+
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+#include <sys/mman.h>
+#include <utility>
+
+#if __has_include(<sanitizer/asan_interface.h>)
+#include <sanitizer/asan_interface.h>
+#else
+#define ASAN_POISON_MEMORY_REGION(start, size) (static_cast<void>(start), static_cast<void>(size))
+#define ASAN_UNPOISON_MEMORY_REGION(start, size) (static_cast<void>(start), static_cast<void>(size))
+#endif
+
+namespace host
+{
+namespace
+{
+constexpr std::size_t huge_page = std::size_t{1} << 21;
+// Smaller blocks the heap keeps by itself. Of larger ones often a small part is touched, and the rest would be
+// made real by clearing it.
+constexpr std::size_t smallest_kept = std::size_t{1} << 20;
+constexpr std::size_t largest_kept = std::size_t{1} << 27;
+
+// Whole huge pages, which the system clears in a tenth of the time that small ones take. Null where there are
+// none.
+std::byte* map_pages(std::size_t room)
+{
+    const std::size_t asked = room + huge_page;
+    void* const mapped = mmap(nullptr, asked, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapped == MAP_FAILED)
+        return nullptr;
+    auto* const first = static_cast<std::byte*>(mapped);
+    const std::size_t past = reinterpret_cast<std::uintptr_t>(mapped) % huge_page;
+    const std::size_t before = past == 0 ? 0 : huge_page - past;
+    if (before != 0)
+        munmap(first, before);
+    if (before != huge_page)
+        munmap(first + before + room, huge_page - before);
+#ifdef MADV_HUGEPAGE
+    madvise(first + before, room, MADV_HUGEPAGE); // a wish: small pages do as well
+#endif
+    return first + before;
+}
+
+void unmap_pages(std::byte* data, std::size_t room)
+{
+    ASAN_UNPOISON_MEMORY_REGION(data, room); // whoever is given these addresses next
+    munmap(data, room);
+}
+} // namespace
+
+memory_block::~memory_block()
+{
+    if (home_ != nullptr)
+        home_->give_back({data_, room_});
+    else
+        std::free(data_);
+}
+
+void memory_block::swap(memory_block& other) noexcept
+{
+    std::swap(data_, other.data_);
+    std::swap(size_, other.size_);
+    std::swap(room_, other.room_);
+    std::swap(zero_, other.zero_);
+    std::swap(home_, other.home_);
+}
+
+memory_reserve::~memory_reserve()
+{
+    for (const pages& block : kept_)
+        unmap_pages(block.data, block.room);
+}
+
+memory_block memory_reserve::take(memory_reserve* reserve, std::size_t size, bool cleared)
+{
+    memory_block block;
+    block.size_ = size;
+    if (reserve == nullptr || size < smallest_kept || size > largest_kept)
+    {
+        // The heap hands out cleared pages without touching them, which clearing by hand would.
+        block.data_ = static_cast<std::byte*>(cleared ? std::calloc(size, 1) : std::malloc(size));
+        block.zero_ = cleared;
+        return block;
+    }
+    pages found = reserve->kept_for(size);
+    if (found.data == nullptr)
+    {
+        found.room = (size + huge_page - 1) / huge_page * huge_page;
+        found.data = map_pages(found.room);
+        block.zero_ = true;
+    }
+    if (found.data == nullptr)
+        return block;
+    block.data_ = found.data;
+    block.room_ = found.room;
+    block.home_ = reserve;
+    ASAN_UNPOISON_MEMORY_REGION(found.data, size);
+    ASAN_POISON_MEMORY_REGION(found.data + size, found.room - size);
+    return block;
+}
+
+std::size_t memory_reserve::kept_bytes() const
+{
+    const std::lock_guard hold(mutex_);
+    std::size_t sum = 0;
+    for (const pages& block : kept_)
+        sum += block.room;
+    return sum;
+}
+
+// The smallest kept block that fits, if it does not waste more than it gives. Where none does, the one kept
+// longest goes: the caller maps another in its place.
+memory_reserve::pages memory_reserve::kept_for(std::size_t size)
+{
+    const std::lock_guard hold(mutex_);
+    auto best = kept_.end();
+    for (auto block = kept_.begin(); block != kept_.end(); ++block)
+    {
+        const bool fits = block->room >= size && block->room / 2 <= size + huge_page;
+        if (fits && (best == kept_.end() || block->room <= best->room))
+            best = block;
+    }
+    if (best != kept_.end())
+    {
+        const pages found = *best;
+        kept_.erase(best);
+        return found;
+    }
+    if (!kept_.empty())
+    {
+        unmap_pages(kept_.front().data, kept_.front().room);
+        kept_.erase(kept_.begin());
+    }
+    return {};
+}
+
+void memory_reserve::give_back(pages block) noexcept
+{
+    try
+    {
+        const std::lock_guard hold(mutex_);
+        kept_.push_back(block);
+        ASAN_POISON_MEMORY_REGION(block.data, block.room);
+    }
+    catch (const std::bad_alloc&)
+    {
+        unmap_pages(block.data, block.room);
+    }
+}
+} // namespace host
