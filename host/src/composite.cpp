@@ -76,6 +76,11 @@ int transparent_run(const PF_Pixel* src, int count)
         ++run;
     return run;
 }
+
+bool is_plain_in_front(const blend& how)
+{
+    return how.mode == PF_Xfer_IN_FRONT && how.opacity == 255 && !how.rgb_only;
+}
 } // namespace
 
 PF_Pixel blended(const blend& how, PF_Pixel src, PF_Pixel dst, unsigned mask)
@@ -98,11 +103,22 @@ void blend_row(const blend& how, const PF_Pixel* src, PF_Pixel* dst, int count)
         return;
     }
     // Neither IN_FRONT nor BEHIND changes anything where the source has no alpha.
-    const bool plain = how.mode == PF_Xfer_IN_FRONT && how.opacity == 255 && !how.rgb_only;
+    const bool plain = is_plain_in_front(how);
     for (int x = transparent_run(src, count); x < count; x += transparent_run(src + x, count - x))
     {
         for (; x < count && src[x].alpha != 0; ++x)
             dst[x] = plain ? in_front(src[x], dst[x]) : blended(how, src[x], dst[x], 255);
     }
+}
+
+void blend_row_at(simd_level level, const blend& how, const PF_Pixel* src, PF_Pixel* dst, int count)
+{
+    if (level == simd_level::scalar || !is_plain_in_front(how))
+        return blend_row(how, src, dst, count);
+#if defined(__x86_64__)
+    if (level == simd_level::avx2)
+        return in_front_row_avx2(src, dst, count);
+#endif
+    in_front_row_sse2(src, dst, count);
 }
 } // namespace host

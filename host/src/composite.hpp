@@ -10,6 +10,8 @@
 // destination stays as it is. A COPY with t = 1 takes the source pixel as it is, colour under zero alpha included.
 // With `rgb_only` the destination keeps its alpha and takes the channels.
 
+#include "simd_level.hpp"
+
 #include "effect/pf/effect_api.hpp"
 
 namespace host
@@ -28,4 +30,11 @@ PF_Pixel blended(const blend& how, PF_Pixel src, PF_Pixel dst, unsigned mask);
 
 // The same for a row of pixels without a mask, faster where the pixels allow it. Rows do not overlap.
 void blend_row(const blend& how, const PF_Pixel* src, PF_Pixel* dst, int count);
+
+// blend_row with the instructions of a level that the machine has: the same bytes.
+void blend_row_at(simd_level level, const blend& how, const PF_Pixel* src, PF_Pixel* dst, int count);
+
+// IN_FRONT at full opacity, alpha and all, at one level each.
+void in_front_row_sse2(const PF_Pixel* src, PF_Pixel* dst, int count);
+void in_front_row_avx2(const PF_Pixel* src, PF_Pixel* dst, int count);
 } // namespace host

@@ -191,6 +191,7 @@ PF_Pixel exposed(const std::vector<back_map>& maps, sampler sample, const PF_Eff
 void map_rows(const blend& how, sampler sample, const PF_EffectWorld& src, const std::vector<back_map>& maps,
               const PF_Rect& area, const PF_EffectWorld& dst)
 {
+    const simd_level level = chosen_simd_level();
     std::vector<PF_Pixel> samples(static_cast<std::size_t>(area.right - area.left));
     for (int row = area.top; row < area.bottom; ++row)
     {
@@ -204,7 +205,7 @@ void map_rows(const blend& how, sampler sample, const PF_EffectWorld& src, const
             else
                 out = sample(src, maps[0].source_x(x, y), maps[0].source_y(x, y));
         }
-        blend_row(how, samples.data(), row_of(dst, row) + area.left, area.right - area.left);
+        blend_row_at(level, how, samples.data(), row_of(dst, row) + area.left, area.right - area.left);
     }
 }
 

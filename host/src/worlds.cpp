@@ -66,6 +66,16 @@ bool share_memory(const PF_EffectWorld& a, const PF_EffectWorld& b)
     const std::less<const PF_Pixel*> before;
     return before(a.data, end(b)) && before(b.data, end(a));
 }
+
+void set_rows(const PF_EffectWorld& world, const PF_Rect& area, A_u_char byte, std::size_t row_bytes)
+{
+    const auto rows = static_cast<std::size_t>(area.bottom - area.top);
+    if (row_bytes == static_cast<std::size_t>(world.rowbytes))
+        std::memset(row_of(world, area.top), byte, rows * row_bytes);
+    else
+        for (int y = area.top; y < area.bottom; ++y)
+            std::memset(row_of(world, y) + area.left, byte, row_bytes);
+}
 } // namespace
 
 PF_Rect clipped(const PF_Rect* rect, const PF_EffectWorld& world)
@@ -93,8 +103,14 @@ void fill_world(const PF_EffectWorld& world, const PF_Rect* rect, const PF_Pixel
     if (is_empty(area))
         return;
     const PF_Pixel value = color ? *color : PF_Pixel{};
-    for (int y = area.top; y < area.bottom; ++y)
-        std::fill(row_of(world, y) + area.left, row_of(world, y) + area.right, value);
+    const auto bytes = static_cast<std::size_t>(area.right - area.left) * sizeof(PF_Pixel);
+    // The C library knows the machine's widest stores.
+    if (value.alpha == value.red && value.red == value.green && value.green == value.blue)
+        return set_rows(world, area, value.alpha, bytes);
+    PF_Pixel* const first = row_of(world, area.top) + area.left;
+    std::fill(first, first + (area.right - area.left), value);
+    for (int y = area.top + 1; y < area.bottom; ++y)
+        std::memcpy(row_of(world, y) + area.left, first, bytes);
 }
 
 void copy_world(const PF_EffectWorld& src, const PF_Rect* src_rect, const PF_EffectWorld& dst,
@@ -129,11 +145,12 @@ void transfer(const blend& how, const PF_EffectWorld& src, const PF_Rect* src_re
     const placement place =
         clipped({from.left, from.top, dest_x, dest_y, width_of(from), height_of(from)}, src, dst);
     const stable_source source(src, dst);
+    const simd_level level = chosen_simd_level();
     each_row(place, source.world(), dst,
              [&](const PF_Pixel* in, PF_Pixel* out, int count, int x, int y)
              {
                  if (!mask)
-                     return blend_row(how, in, out, count);
+                     return blend_row_at(level, how, in, out, count);
                  for (int i = 0; i < count; ++i)
                      out[i] = blended(how, in[i], out[i], mask_alpha(mask, x + i, y));
              });
