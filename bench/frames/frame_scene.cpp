@@ -1,7 +1,9 @@
 #include "bench/frames/frame_scene.hpp"
 
 #include "host/param_text.hpp"
+#include "host/preset.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <optional>
@@ -36,10 +38,22 @@ private:
     std::optional<std::string> before_;
 };
 
-host::param_tracks values_of(const frame_scene& scene)
+host::composition composition_of(int width, int height, PF_Quality quality)
+{
+    host::composition comp;
+    comp.width = width;
+    comp.height = height;
+    comp.total_frames = 1000;
+    comp.quality = quality;
+    return comp;
+}
+
+host::param_tracks values_of(const frame_scene& scene, const host::composition& comp)
 {
     const std::vector<host::param_info>& params = clocked_effect().params();
     host::param_tracks values(params);
+    if (!scene.look.empty())
+        host::load_preset(scene.look, params, comp, values);
     for (const auto& [label, text] : scene.settings)
     {
         const host::param_info& info = host::find_param(params, label);
@@ -110,6 +124,17 @@ const std::vector<frame_scene>& frame_scenes()
     return scenes;
 }
 
+std::vector<frame_scene> look_scenes()
+{
+    std::vector<frame_scene> scenes;
+    for (const auto& entry : std::filesystem::directory_iterator(FILIGRANE_LOOKS))
+        if (entry.path().extension() == ".json")
+            scenes.push_back({entry.path().stem().string(), {}, 50, entry.path()});
+    std::sort(scenes.begin(), scenes.end(),
+              [](const frame_scene& a, const frame_scene& b) { return a.name < b.name; });
+    return scenes;
+}
+
 const frame_scene& frame_scene_named(const std::string& name)
 {
     for (const frame_scene& scene : frame_scenes())
@@ -119,12 +144,9 @@ const frame_scene& frame_scene_named(const std::string& name)
 }
 
 frame_case::frame_case(const frame_scene& scene, int width, int height, PF_Quality quality)
-    : values_(values_of(scene)), frame_(scene.frame), input_(input_picture(width, height)), output_(input_.size())
+    : comp_(composition_of(width, height, quality)), values_(values_of(scene, comp_)), frame_(scene.frame),
+      input_(input_picture(width, height)), output_(input_.size())
 {
-    comp_.width = width;
-    comp_.height = height;
-    comp_.total_frames = 1000;
-    comp_.quality = quality;
 }
 
 frame_times frame_case::draw(bool plain)

@@ -6,6 +6,7 @@
 #include "host/render.hpp"
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,9 +18,12 @@ struct frame_scene
     std::string name;
     std::vector<std::pair<std::string, std::string>> settings; // parameter by label, value as a person writes it
     std::int32_t frame = 0;
+    std::filesystem::path look = {}; // a preset's file; its values come first
 };
 
 const std::vector<frame_scene>& frame_scenes();
+// The looks that come with the effect, at a frame in the middle of a shot.
+std::vector<frame_scene> look_scenes();
 const frame_scene& frame_scene_named(const std::string& name);
 
 // A scene at a size and quality, ready to be drawn again and again.
