@@ -2,6 +2,7 @@
 
 #include "effect/model/frame_data.hpp"
 #include "effect/model/numeric.hpp"
+#include "effect/shell/mem_pool.hpp"
 
 namespace
 {
@@ -11,7 +12,36 @@ PF_Fixed matte_position(A_long size, A_long position, A_long input_size) noexcep
     const float share = static_cast<float>(position) / static_cast<float>(input_size);
     return to_fixed(trunc_i32(static_cast<double>(static_cast<float>(size) * share)));
 }
+
+displacement_plan::line* plan_lines(mem_pool* pool, A_long count, A_long matte_size,
+                                    PF_Fixed displacement) noexcept
+{
+    auto* const lines = pool_array_used<displacement_plan::line>(pool, count, 0);
+    for (A_long i = 0; lines != nullptr && i < count; ++i)
+        lines[i] = {matte_position(matte_size, i, count), static_cast<float>(to_fixed(i)),
+                    to_fixed(i) < displacement || displacement > to_fixed(wrap_sub(count, i))};
+    return lines;
+}
 } // namespace
+
+displacement_plan* plan_displacement(frame_data& frame) noexcept
+{
+    auto* const plan = pool_array_used<displacement_plan>(frame.pool, 1, 0);
+    if (plan == nullptr)
+        return nullptr;
+    plan->frame = &frame;
+    plan->width = frame.params[0]->u.ld.width;
+    plan->height = frame.params[0]->u.ld.height;
+    plan->columns = plan_lines(frame.pool, plan->width, frame.scratch.width, frame.displaceX);
+    plan->rows = plan_lines(frame.pool, plan->height, frame.scratch.height, frame.displaceY);
+    for (int alpha = 0; alpha < 256; ++alpha)
+    {
+        const float a = static_cast<float>(alpha) / 255.0f;
+        plan->shift_x[alpha] = static_cast<float>(frame.displaceX) * a;
+        plan->shift_y[alpha] = static_cast<float>(frame.displaceY) * a;
+    }
+    return plan->columns != nullptr && plan->rows != nullptr ? plan : nullptr;
+}
 
 PF_Err displace_img(void* refcon, A_long x, A_long y, PF_Pixel* in, PF_Pixel* out)
 {
@@ -38,6 +68,32 @@ PF_Err displace_img(void* refcon, A_long x, A_long y, PF_Pixel* in, PF_Pixel* ou
     const float a = static_cast<float>(out->alpha) / 255.0f;
     const float to_y = static_cast<float>(fixed_y) + static_cast<float>(frame.displaceY) * a;
     const float to_x = static_cast<float>(fixed_x) + static_cast<float>(frame.displaceX) * a;
+    return subpixel_sample(in_data->effect_ref, trunc_i32(static_cast<double>(to_x)),
+                           trunc_i32(static_cast<double>(to_y)), &frame.sampling, out);
+}
+
+PF_Err displace_img_planned(void* refcon, A_long x, A_long y, PF_Pixel* in, PF_Pixel* out)
+{
+    const displacement_plan& plan = *static_cast<const displacement_plan*>(refcon);
+    frame_data& frame = *plan.frame;
+    if (x < 0 || x >= plan.width || y < 0 || y >= plan.height)
+        return displace_img(&frame, x, y, in, out);
+    const displacement_plan::line& column = plan.columns[x];
+    const displacement_plan::line& row = plan.rows[y];
+    if (column.bare || row.bare)
+    {
+        *out = *in;
+        return PF_Err_NONE;
+    }
+
+    PF_InData* const in_data = frame.in_data;
+    const auto subpixel_sample = in_data->utils->subpixel_sample;
+    frame.sampling.src = &frame.scratch;
+    subpixel_sample(in_data->effect_ref, column.matte, row.matte, &frame.sampling, out);
+
+    frame.sampling.src = frame.input;
+    const float to_y = row.place + plan.shift_y[out->alpha];
+    const float to_x = column.place + plan.shift_x[out->alpha];
     return subpixel_sample(in_data->effect_ref, trunc_i32(static_cast<double>(to_x)),
                            trunc_i32(static_cast<double>(to_y)), &frame.sampling, out);
 }

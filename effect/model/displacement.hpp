@@ -7,3 +7,31 @@
 // the output's. Within the offset's width of a near edge the matte itself shows. Writes the frame's shared
 // sampling block, so it must not run for two pixels at once.
 PF_Err displace_img(void* refcon, A_long x, A_long y, PF_Pixel* in, PF_Pixel* out);
+
+class frame_data;
+
+// What every pixel of a column, of a row and of a value of the matte's alpha shares, worked out once for a frame.
+// Carved from the frame's pool.
+struct displacement_plan
+{
+    struct line // a column or a row
+    {
+        PF_Fixed matte; // where it lies in the matte, whole pixels
+        float place;    // its position, 16.16
+        bool bare;      // the matte itself shows in it
+    };
+
+    frame_data* frame;
+    line* columns; // `width` of them
+    line* rows;
+    A_long width; // of the input
+    A_long height;
+    float shift_x[256]; // by the matte's alpha, 16.16
+    float shift_y[256];
+};
+
+// For the frame's matte as it is now; null where the pool has no room.
+displacement_plan* plan_displacement(frame_data& frame) noexcept;
+
+// The same as displace_img, call by call: `refcon` is the plan.
+PF_Err displace_img_planned(void* refcon, A_long x, A_long y, PF_Pixel* in, PF_Pixel* out);

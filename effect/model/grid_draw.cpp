@@ -20,8 +20,15 @@ PF_Err draw_displaced(grid& g, frame_data& frame)
     {
         g.draw_curve(&frame.scratch, 1);
         const A_short final = low_i16(wrap_sub(frame.output->extent_hint.bottom, frame.output->extent_hint.top));
-        utils.iterate(in_data, 0, final, &frame.scratch, &frame.scratch.extent_hint, &frame, displace_img,
-                      frame.output);
+        // Nobody else wants the pool's rest by now.
+        displacement_plan* const plan =
+            frame.lineCreator.level != simd_level::scalar ? plan_displacement(frame) : nullptr;
+        if (plan != nullptr)
+            utils.iterate(in_data, 0, final, &frame.scratch, &frame.scratch.extent_hint, plan,
+                          displace_img_planned, frame.output);
+        else
+            utils.iterate(in_data, 0, final, &frame.scratch, &frame.scratch.extent_hint, &frame, displace_img,
+                          frame.output);
     }
     catch (...)
     {

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <utility>
 #include <vector>
 
 namespace
@@ -176,4 +178,57 @@ TEST_F(displacement, of_an_empty_input_is_harmless)
     PF_Pixel in = {0, 0, 0, 0};
     PF_Pixel out = {0, 0, 0, 0};
     EXPECT_EQ(displace_img(&bench.frame, 0, 0, &in, &out), 0);
+}
+
+// The planned pixels against the plain ones: what they are, and what they ask the host for.
+TEST_F(displacement, planned_is_displacement_pixel_by_pixel)
+{
+    std::mt19937 random(5);
+    for (int round = 0; round < 60; ++round)
+    {
+        vector(static_cast<double>(random() % 360), static_cast<A_long>(random() % 6));
+        if (round % 10 == 9) // farther than any picture is wide, and past what 16.16 holds
+        {
+            bench.frame.displaceX = static_cast<PF_Fixed>(random());
+            bench.frame.displaceY = static_cast<PF_Fixed>(random());
+        }
+        for (A_long y = 0; y < kInputHeight; ++y)
+            for (A_long x = 0; x < kInputWidth; ++x)
+                matte(x, y, static_cast<A_u_char>(random()));
+        void* const mark = bench.frame.pool->next;
+        displacement_plan* const plan = plan_displacement(bench.frame);
+        ASSERT_NE(plan, nullptr);
+        // Hosts ask for the pixels of the matte, but may ask for others.
+        for (A_long y = -2; y < kInputHeight + 2; ++y)
+            for (A_long x = -2; x < kInputWidth + 2; ++x)
+            {
+                PF_Pixel in = {9, 8, 7, static_cast<A_u_char>(x)};
+                PF_Pixel want = {1, 2, 3, 4};
+                PF_Pixel got = {1, 2, 3, 4};
+                bench.host.log.clear();
+                const PF_Err expected = displace_img(&bench.frame, x, y, &in, &want);
+                const std::vector<std::string> calls = std::exchange(bench.host.log, {});
+                EXPECT_EQ(displace_img_planned(plan, x, y, &in, &got), expected);
+                EXPECT_EQ(bench.host.log, calls) << x << ' ' << y;
+                EXPECT_TRUE(got == want) << x << ' ' << y;
+            }
+        pool_release(bench.frame.pool, mark);
+    }
+}
+
+TEST_F(displacement, is_not_planned_where_the_pool_is_short)
+{
+    vector(30.0, 3);
+    const mem_pool whole = *bench.frame.pool;
+    const std::uint64_t all = sizeof(displacement_plan) + (kInputWidth + kInputHeight) * std::uint64_t{12};
+    for (std::uint64_t room = 0; room <= all; room += 8)
+    {
+        *bench.frame.pool = whole;
+        bench.frame.pool->remaining = room;
+        EXPECT_EQ(plan_displacement(bench.frame) != nullptr, room == all) << room;
+    }
+    *bench.frame.pool = whole;
+    bench.host.input().width = -5;
+    EXPECT_EQ(plan_displacement(bench.frame), nullptr);
+    *bench.frame.pool = whole;
 }
