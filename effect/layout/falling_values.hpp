@@ -14,6 +14,9 @@ public:
     // The same answer as line.value(points, num_points, t, out). `t` is never above the one before.
     bool value(float t, float* out) noexcept;
 
+    // The second point of the segment that this value lies on; 0 where there is none.
+    int segment(float t) noexcept;
+
     // Whether the points run downwards everywhere, so that `highest` has no use.
     static bool fall(const sp_line& line) noexcept;
 

@@ -124,20 +124,50 @@ sp_line::sp_line(frame_data* frame_, unsigned char vertical_, const fpoint_t& st
         return;
     }
 
-    const auto put = [&](int slot, float t)
+    num_points = frame->lineCreator.level == simd_level::scalar ? follow(*c, start.x, from, end, step)
+                                                                : follow_fast(*c, start.x, from, end, step);
+    if (closes)
     {
+        const auto t = static_cast<float>(length - 1);
         float v = 0.0f;
         if (c->F(t, &v))
-            points[slot] =
-                point_at(static_cast<double>(static_cast<float>(from) + t), static_cast<double>(v) + start.x);
-    };
+            points[num_points] = rippled(from, t, start.x, v);
+        ++num_points;
+    }
+    affect_compression();
+}
+
+int sp_line::follow(const curve& c, double base, short from, float end, float step) noexcept
+{
     int k = 0;
     for (float t = 0.0f; end > t; t += step)
-        put(k++, t);
-    if (closes)
-        put(k++, static_cast<float>(length - 1));
-    num_points = k;
-    affect_compression();
+    {
+        float v = 0.0f;
+        if (c.F(t, &v))
+            points[k] = rippled(from, t, base, v);
+        ++k;
+    }
+    return k;
+}
+
+int sp_line::follow_fast(const curve& c, double base, short from, float end, float step) noexcept
+{
+    float at[curve::kBlock] = {};
+    float v[curve::kBlock] = {};
+    std::int32_t there[curve::kBlock];
+    int k = 0;
+    for (float t = 0.0f; end > t;)
+    {
+        int n = 0;
+        for (; n < curve::kBlock && end > t; t += step)
+            at[n++] = t;
+        c.sums(at, v, there);
+        for (int i = 0; i < n; ++i)
+            if (there[i] != 0)
+                points[k + i] = rippled(from, at[i], base, v[i]);
+        k += n;
+    }
+    return k;
 }
 
 sp_line::sp_line(const sp_line* other) : sp_line(other->frame, other->vertical)
@@ -152,6 +182,11 @@ sp_line::sp_line(const sp_line* other) : sp_line(other->frame, other->vertical)
         carve(num_points);
     if (points != nullptr)
         std::copy(other->points, other->points + num_points, points);
+}
+
+curve_pt_t sp_line::rippled(short from, float t, double base, float v) const noexcept
+{
+    return point_at(static_cast<double>(static_cast<float>(from) + t), static_cast<double>(v) + base);
 }
 
 curve_pt_t sp_line::point_at(double running, double crossing) const noexcept

@@ -81,13 +81,25 @@ private:
 
     sp_line(frame_data* frame, unsigned char vertical) noexcept;
 
-    // The across coordinate at `at` on the falling segment from p0 to p1; false off it (p0's position included).
-    bool on_segment(const curve_pt_t& p0, const curve_pt_t& p1, double at, float* out) const noexcept;
+    // Whether `at` lies on the falling segment from p0 to p1, p0's position excluded; the across coordinate there.
+    bool on_segment(const curve_pt_t& p0, const curve_pt_t& p1, double at) const noexcept
+    {
+        return run(p1) <= at && at < run(p0);
+    }
+    float value_on(const curve_pt_t& p0, const curve_pt_t& p1, double at) const noexcept;
 
     double run(const curve_pt_t& p) const noexcept { return vertical != 0 ? p.y : p.x; }
     double across(const curve_pt_t& p) const noexcept { return vertical != 0 ? p.x : p.y; }
     double& across(curve_pt_t& p) const noexcept { return vertical != 0 ? p.x : p.y; }
     curve_pt_t point_at(double running, double crossing) const noexcept;
+
+    // A point of a rippled line: `t` beyond `from` along it, `v` off its base.
+    curve_pt_t rippled(short from, float t, double base, float v) const noexcept;
+
+    // Samples a ripple at 0, step, 2 step, ... below `end` into the first points; how many. The fast way has the
+    // same result.
+    int follow(const curve& c, double base, short from, float end, float step) noexcept;
+    int follow_fast(const curve& c, double base, short from, float end, float step) noexcept;
     void set_base(double x, double y) noexcept;
     void sort() noexcept;
     void carve(std::int64_t count) noexcept;

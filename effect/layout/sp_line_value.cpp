@@ -4,24 +4,26 @@
 #include <algorithm>
 #include <limits>
 
-bool sp_line::on_segment(const curve_pt_t& p0, const curve_pt_t& p1, double at, float* out) const noexcept
+float sp_line::value_on(const curve_pt_t& p0, const curve_pt_t& p1, double at) const noexcept
 {
     const double r0 = run(p0);
     const double r1 = run(p1);
-    if (!(r1 <= at && at < r0))
-        return false;
     const double a0 = across(p0);
     const double a1 = across(p1);
     const auto f = static_cast<float>((at - r0) / (r0 - r1));
-    *out = static_cast<float>(a0 + static_cast<double>(f) * (a0 - a1));
-    return true;
+    return static_cast<float>(a0 + static_cast<double>(f) * (a0 - a1));
 }
 
 bool sp_line::value(const curve_pt_t* pts, int n, float t, float* out) const noexcept
 {
+    const auto at = static_cast<double>(t);
     for (int i = n - 1; i >= 1; --i)
-        if (on_segment(pts[i - 1], pts[i], static_cast<double>(t), out))
-            return true;
+    {
+        if (!on_segment(pts[i - 1], pts[i], at))
+            continue;
+        *out = value_on(pts[i - 1], pts[i], at);
+        return true;
+    }
     return false;
 }
 
@@ -46,7 +48,7 @@ falling_values::falling_values(const sp_line& line, double* highest) noexcept
     }
 }
 
-bool falling_values::value(float t, float* out) noexcept
+int falling_values::segment(float t) noexcept
 {
     const auto at = static_cast<double>(t);
     const curve_pt_t* const points = line_.points;
@@ -54,16 +56,29 @@ bool falling_values::value(float t, float* out) noexcept
     {
         while (cursor_ < count_ && line_.run(points[cursor_]) > at)
             ++cursor_;
-        return cursor_ >= 1 && cursor_ < count_ && line_.on_segment(points[cursor_ - 1], points[cursor_], at, out);
+        const bool there =
+            cursor_ >= 1 && cursor_ < count_ && line_.on_segment(points[cursor_ - 1], points[cursor_], at);
+        return there ? cursor_ : 0;
     }
-    if (highest_ == nullptr)
-        return line_.value(points, count_, t, out);
-    while (cursor_ + 1 < count_ && highest_[cursor_ + 1] > at)
-        ++cursor_;
-    for (int i = cursor_; i >= 1; --i)
-        if (line_.on_segment(points[i - 1], points[i], at, out))
-            return true;
-    return false;
+    int i = count_ - 1;
+    if (highest_ != nullptr)
+    {
+        while (cursor_ + 1 < count_ && highest_[cursor_ + 1] > at)
+            ++cursor_;
+        i = cursor_;
+    }
+    while (i >= 1 && !line_.on_segment(points[i - 1], points[i], at))
+        --i;
+    return std::max(i, 0);
+}
+
+bool falling_values::value(float t, float* out) noexcept
+{
+    const int i = segment(t);
+    if (i == 0)
+        return false;
+    *out = line_.value_on(line_.points[i - 1], line_.points[i], static_cast<double>(t));
+    return true;
 }
 
 bool sp_line::value(float t, float* out) const

@@ -82,11 +82,17 @@ bool curve::f(float t, float* out) const noexcept
     return true;
 }
 
-// Octave k runs 2k times as fast as the base and slides by phase * (k + speed).
+// By phase * (k + speed).
+float curve::octave_slide(int k) const noexcept
+{
+    return static_cast<float>(phase_) * (static_cast<float>(k) + speed_);
+}
+
+// Octave k runs 2k times as fast as the base, and slides.
 float curve::octave_position(int k, float t0) const noexcept
 {
-    const float slide = static_cast<float>(phase_) * (static_cast<float>(k) + speed_);
-    return static_cast<float>(static_cast<double>(2 * k) * static_cast<double>(t0) + static_cast<double>(slide));
+    return static_cast<float>(static_cast<double>(2 * k) * static_cast<double>(t0) +
+                              static_cast<double>(octave_slide(k)));
 }
 
 bool curve::F(float t, float* out) const noexcept

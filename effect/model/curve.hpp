@@ -26,6 +26,10 @@ public:
     // sampled length; the last octave is left out quietly there.
     bool F(float t, float* out) const noexcept;
 
+    // The sum at each of kBlock positions; there[i] is -1 where F has a value at t[i], else 0 and out[i] anything.
+    static constexpr int kBlock = 64;
+    void sums(const float* __restrict t, float* __restrict out, std::int32_t* __restrict there) const noexcept;
+
     // Octave k alone, without its weight; k = 0 is the base.
     bool F(int k, float t, float* out) const noexcept;
 
@@ -35,7 +39,10 @@ public:
     std::int64_t phase() const noexcept { return phase_; }
 
 private:
+    float octave_slide(int k) const noexcept;
     float octave_position(int k, float t0) const noexcept;
+    void waves(const float* __restrict t, float* __restrict out,
+               std::int32_t* __restrict there) const noexcept; // f, where there are samples
 
     Loom::RandomGenerator32 generator_{0};
     std::int16_t octaves_ = 0; // 2 to 7 (0 for a turbulence that is not a number)

@@ -9,3 +9,10 @@
 // alpha of `out` alone.
 void blend_color(const PF_Pixel& normal, const PF_Pixel& stressed, short blendPercent, float deviation,
                  float maxDeviation, PF_Pixel* out) noexcept;
+
+// As many colours are blended at once.
+constexpr int kBlendBlock = 64;
+
+// The same for each of kBlendBlock deviations. Mixed colours have the alpha of `normal`.
+void blend_colors(const PF_Pixel& normal, const PF_Pixel& stressed, short blendPercent, const float* deviations,
+                  float maxDeviation, PF_Pixel* out) noexcept;

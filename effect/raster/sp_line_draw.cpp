@@ -1,4 +1,3 @@
-#include "effect/layout/falling_values.hpp"
 #include "effect/layout/sp_line.hpp"
 
 #include "effect/model/frame_data.hpp"
@@ -6,7 +5,7 @@
 #include "effect/model/numeric.hpp"
 #include "effect/model/work_limits.hpp"
 #include "effect/raster/aeg.hpp"
-#include "effect/raster/blend.hpp"
+#include "effect/raster/line_samples.hpp"
 #include "effect/raster/stroke_point.hpp"
 
 #include <algorithm>
@@ -22,35 +21,21 @@ A_u_char alpha_of(float opacity) noexcept
     return static_cast<A_u_char>(std::clamp<std::int16_t>(a, 0, 255));
 }
 
-// Positions that stepping down from `first` visits before it reaches `last`; `limit` + 1 where they are more than
-// `limit`, or endless because the step is lost in rounding.
-std::uint64_t steps_between(float first, double last, float step, std::uint64_t limit) noexcept
-{
-    std::uint64_t steps = 0;
-    float c = first;
-    while (static_cast<double>(c) > last && steps <= limit)
-    {
-        const float next = c - step;
-        if (next == c)
-            return limit + 1;
-        c = next;
-        ++steps;
-    }
-    return steps;
-}
-
-// Carves the zero-filled sample array: the stated size, or more where the sampling needs it, and one zeroed slot
-// past the last sample. Null where it does not fit.
-StrokePoint* carve_samples(const frame_data& frame, int num_points, float first, double last) noexcept
+// Carves the sample array: the stated size, or more where the sampling needs it, and one slot past the last
+// sample. Null where it does not fit. Zero-filled for the plain functions alone; the fast ones write all that is
+// read.
+StrokePoint* carve_samples(const frame_data& frame, int num_points, float first, double last, bool plain) noexcept
 {
     const std::uint64_t most = frame.pool->remaining / sizeof(StrokePoint);
-    const std::uint64_t needed = steps_between(first, last, frame.qualityStep, most) + 1;
+    const std::uint64_t needed = (plain ? count_positions(first, last, frame.qualityStep, most)
+                                        : count_positions_fast(first, last, frame.qualityStep, most)) +
+                                 1;
     if (needed > most)
         return nullptr;
     const double stated = static_cast<double>(num_points) * 16.0 / static_cast<double>(frame.qualityStep);
     const std::int64_t stated_bytes = trunc_i64(stated);
-    return static_cast<StrokePoint*>(
-        pool_alloc(frame.pool, std::max(static_cast<std::uint64_t>(stated_bytes), needed * sizeof(StrokePoint))));
+    const std::uint64_t bytes = std::max(static_cast<std::uint64_t>(stated_bytes), needed * sizeof(StrokePoint));
+    return static_cast<StrokePoint*>(pool_alloc_used(frame.pool, bytes, plain ? bytes : 0));
 }
 
 // Sets the radii of the square that is covered around every sample, less a margin for anti-aliasing, and of the
@@ -172,7 +157,6 @@ void sp_line::draw(Loom::RandomGenerator32& rng, aeg* context, float width)
         rand_param(rng, static_cast<float>(frame->opacity), static_cast<float>(frame->opacityRandomness)));
     frame->normalColor.alpha = alpha;
     frame->stressedColor.alpha = alpha;
-    PF_Pixel working = {alpha, 0, 0, 0};
     if (!has_points())
         return;
 
@@ -192,35 +176,26 @@ void sp_line::draw(Loom::RandomGenerator32& rng, aeg* context, float width)
     for (int i = num_points - 1; i >= 0; --i)
         max_deviation = std::max(max_deviation, std::fabs(static_cast<float>(across(points[i]) - base_across)));
 
-    // Sample it at a fixed step along the main axis.
+    // Sample it at a fixed step along the main axis. The slot past the last sample is zero.
     const auto first = static_cast<float>(first_run);
-    StrokePoint* const samples = carve_samples(*frame, num_points, first, last_run);
+    const bool plain = creator.level == simd_level::scalar;
+    StrokePoint* const samples = carve_samples(*frame, num_points, first, last_run, plain);
     if (samples == nullptr)
         return;
-    double* const highest = falling_values::fall(*this) ? nullptr : pool_array<double>(frame->pool, num_points);
-    falling_values values(*this, highest);
-    int count = 0;
-    for (float c = first; static_cast<double>(c) > last_run; c -= frame->qualityStep)
-    {
-        float cross = 0.0f;
-        if (!values.value(c, &cross))
-            continue;
-        StrokePoint& sample = samples[count++];
-        sample.x = vertical != 0 ? cross : c;
-        sample.y = vertical != 0 ? c : cross;
-        const auto deviation = static_cast<float>(static_cast<double>(cross) - base_across);
-        const float stress =
-            std::fabs(deviation * width / max_deviation) * static_cast<float>(frame->stressedWidth);
-        sample.halfWidth = static_cast<float>(static_cast<double>(stress) / 100.0 + static_cast<double>(width));
-        if (!creator.monocolor)
-        {
-            blend_color(frame->normalColor, frame->stressedColor, low_i16(frame->normalShare),
-                        std::fabs(deviation), max_deviation, &working);
-            sample.color = working;
-        }
-    }
-    if (highest != nullptr)
-        pool_release(frame->pool, highest);
+    const line_sampling sampling = {first,
+                                    last_run,
+                                    frame->qualityStep,
+                                    base_across,
+                                    max_deviation,
+                                    width,
+                                    static_cast<float>(frame->stressedWidth),
+                                    creator.monocolor,
+                                    frame->normalColor,
+                                    frame->stressedColor,
+                                    low_i16(frame->normalShare)};
+    const int count =
+        plain ? sample_line(*this, sampling, samples) : sample_line_fast(*this, sampling, frame->pool, samples);
+    samples[count] = {};
     if (creator.monocolor)
         samples[0].color =
             frame->useDisplacement != 0 || frame->normalShare == 100 ? frame->normalColor : frame->stressedColor;

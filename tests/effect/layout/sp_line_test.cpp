@@ -521,3 +521,24 @@ TEST(sp_line, filter_sorts_first)
     EXPECT_EQ(xs(line), (numbers{0, 20, 40, 90}));
     EXPECT_EQ(ys(line), (numbers{5, 7, 8, 5}));
 }
+
+TEST(sp_line, follows_a_ripple_the_same_at_every_level)
+{
+    for (const bool angular : {false, true})
+        for (const short length : {0, 1, 2, 63, 64, 65, 300, 2000})
+        {
+            frame_bench b(300, 200);
+            b.frame.angularLines = angular ? 1 : 0;
+            b.frame.tolerance = 7;
+            const curve ripple(&b.frame, 77, 0, 3, 4.5f); // has no value far beyond the grid
+            b.frame.lineCreator.level = simd_level::scalar;
+            const sp_line plain(&b.frame, 1, fpoint_t{30.25, 0.0}, &ripple, -5, static_cast<short>(length - 5));
+            b.frame.lineCreator.level = simd_level::baseline;
+            const sp_line fast(&b.frame, 1, fpoint_t{30.25, 0.0}, &ripple, -5, static_cast<short>(length - 5));
+            ASSERT_EQ(fast.num_points, plain.num_points) << length;
+            ASSERT_EQ(fast.room, plain.room);
+            for (int i = 0; i < plain.num_points; ++i)
+                ASSERT_EQ(std::memcmp(&fast.points[i], &plain.points[i], sizeof(curve_pt_t)), 0)
+                    << length << ", point " << i;
+        }
+}

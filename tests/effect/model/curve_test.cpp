@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -297,4 +298,60 @@ TEST(curve, negative_sizes_mirror)
         expect_same(pair, 17.0f);
     }
     EXPECT_GT(negative, 5);
+}
+
+TEST(curve, sums_in_blocks_are_those_one_by_one)
+{
+    std::mt19937 random(12);
+    int found = 0;
+    int missing = 0;
+    const float odd[] = {0.0f,
+                         -0.0f,
+                         1e9f,
+                         -1e9f,
+                         3e38f,
+                         std::numeric_limits<float>::infinity(),
+                         -std::numeric_limits<float>::infinity(),
+                         std::numeric_limits<float>::quiet_NaN()};
+    for (int n = 0; n < 600; ++n)
+    {
+        frame_bench b(2 + static_cast<A_long>(random() % 300), 2 + static_cast<A_long>(random() % 300));
+        b.host.set_percent(47, random() % 101);
+        b.host.set_percent(48, random() % 160 + 0.37); // waves of no length and of a negative one, too
+        b.host.set(49, static_cast<A_long>(random() % 100) + 1);
+        b.host.set(51, static_cast<A_long>(random() % 20));
+        b.host.set(52, static_cast<A_long>(random() % 200));
+        b.set_up();
+        float turbulence = 1.0f + static_cast<float>(random() % 700) / 100.0f;
+        if (n % 50 == 49)
+            turbulence = std::numeric_limits<float>::quiet_NaN();
+        if (n % 50 == 48)
+            b.starve();
+        const curve c(&b.frame, static_cast<unsigned>(random()), 0, random() % 60, turbulence);
+        for (int block = 0; block < 20; ++block)
+        {
+            float at[curve::kBlock];
+            float got[curve::kBlock];
+            std::int32_t there[curve::kBlock];
+            for (int i = 0; i < curve::kBlock; ++i)
+                at[i] = block < 10 ? static_cast<float>(block * curve::kBlock + i)
+                                   : static_cast<float>(random() % 100000) / 71.0f - 100.0f;
+            if (block == 19)
+                std::copy(odd, odd + 8, at);
+            c.sums(at, got, there);
+            for (int i = 0; i < curve::kBlock; ++i)
+            {
+                float want = 0.0f;
+                const bool has = c.F(at[i], &want);
+                ASSERT_EQ(there[i], has ? -1 : 0) << at[i];
+                // The sign of what is no number is nobody's.
+                ASSERT_TRUE(!has || std::memcmp(&got[i], &want, sizeof want) == 0 ||
+                            (std::isnan(got[i]) && std::isnan(want)))
+                    << at[i] << ": " << got[i] << ", not " << want;
+                (has ? found : missing) += 1;
+            }
+        }
+    }
+    EXPECT_GT(found, 100000);
+    EXPECT_GT(missing, 100000);
 }

@@ -1,0 +1,120 @@
+// Samples in blocks: one loop finds the segments, plain loops of a fixed length do the arithmetic, each operation
+// rounded as in sample_line.
+
+#include "effect/layout/falling_values.hpp"
+#include "effect/layout/sp_line.hpp"
+#include "effect/raster/blend.hpp"
+#include "effect/raster/line_samples.hpp"
+#include "effect/shell/mem_pool.hpp"
+
+#include <cmath>
+
+namespace
+{
+class sample_block
+{
+public:
+    sample_block(const sp_line& line, const line_sampling& s, StrokePoint* out) noexcept
+        : s_(s), vertical_(line.vertical != 0), out_(out)
+    {
+    }
+
+    // A sample on the segment from p0 to p1, given by their positions along the line and across it.
+    void add(float at, double run0, double run1, double across0, double across1) noexcept
+    {
+        at_[used_] = at;
+        run0_[used_] = run0;
+        run1_[used_] = run1;
+        across0_[used_] = across0;
+        across1_[used_] = across1;
+        if (++used_ == kBlendBlock)
+            flush();
+    }
+
+    // Writes what has been added.
+    void flush() noexcept
+    {
+        place();
+        widen();
+        if (!s_.one_color)
+            blend_colors(s_.normal_color, s_.stressed_color, s_.normal_share, deviation_, s_.max_deviation, color_);
+        const float* const x = vertical_ ? cross_ : at_;
+        const float* const y = vertical_ ? at_ : cross_;
+        for (int i = 0; i < used_; ++i)
+            out_[i] = {x[i], y[i], half_width_[i], color_[i]};
+        out_ += used_;
+        used_ = 0;
+    }
+
+    const StrokePoint* end() const noexcept { return out_; }
+
+private:
+    void place() noexcept
+    {
+        float share[kBlendBlock];
+        for (int i = 0; i < kBlendBlock; ++i)
+            share[i] = static_cast<float>((static_cast<double>(at_[i]) - run0_[i]) / (run0_[i] - run1_[i]));
+        for (int i = 0; i < kBlendBlock; ++i)
+            cross_[i] =
+                static_cast<float>(across0_[i] + static_cast<double>(share[i]) * (across0_[i] - across1_[i]));
+    }
+
+    // Sets the radii, and how far off the base the samples lie, without a sign.
+    void widen() noexcept
+    {
+        const float width = s_.width;
+        const float max_deviation = s_.max_deviation;
+        const float stressed_width = s_.stressed_width;
+        const double base = s_.base_across;
+        float stress[kBlendBlock];
+        for (int i = 0; i < kBlendBlock; ++i)
+            deviation_[i] = static_cast<float>(static_cast<double>(cross_[i]) - base);
+        for (int i = 0; i < kBlendBlock; ++i)
+        {
+            stress[i] = std::fabs(deviation_[i] * width / max_deviation) * stressed_width;
+            deviation_[i] = std::fabs(deviation_[i]);
+        }
+        for (int i = 0; i < kBlendBlock; ++i)
+            half_width_[i] =
+                static_cast<float>(static_cast<double>(stress[i]) / 100.0 + static_cast<double>(width));
+    }
+
+    const line_sampling& s_;
+    bool vertical_;
+    StrokePoint* out_;
+    int used_ = 0;
+    float at_[kBlendBlock] = {};
+    double run0_[kBlendBlock] = {};
+    double run1_[kBlendBlock] = {};
+    double across0_[kBlendBlock] = {};
+    double across1_[kBlendBlock] = {};
+    float cross_[kBlendBlock] = {};
+    float deviation_[kBlendBlock] = {};
+    float half_width_[kBlendBlock] = {};
+    PF_Pixel color_[kBlendBlock] = {};
+};
+} // namespace
+
+int sample_line_fast(const sp_line& line, const line_sampling& s, mem_pool* pool, StrokePoint* out) noexcept
+{
+    double* const highest =
+        falling_values::fall(line) ? nullptr : pool_array_used<double>(pool, line.num_points, 0);
+    falling_values values(line, highest);
+    sample_block block(line, s, out);
+    for (float c = s.first; static_cast<double>(c) > s.last; c -= s.step)
+    {
+        const int i = values.segment(c);
+        if (i == 0)
+            continue;
+        const curve_pt_t& p0 = line.points[i - 1];
+        const curve_pt_t& p1 = line.points[i];
+        if (line.vertical != 0)
+            block.add(c, p0.y, p1.y, p0.x, p1.x);
+        else
+            block.add(c, p0.x, p1.x, p0.y, p1.y);
+    }
+    block.flush();
+    if (highest != nullptr)
+        pool_release(pool, highest);
+    return static_cast<int>(block.end() - out);
+}
