@@ -15,8 +15,10 @@ struct render_clock
     PF_UtilCallbacks utils;
     PF_InteractCallbacks inter;
     const PF_LayerDef* input = nullptr;
-    double host = 0.0;
-    double left_out = 0.0; // of the measuring itself
+    double host = 0.0;          // wall seconds
+    double iterating = 0.0;     // processor seconds, the measuring included
+    double iterated = 0.0;      // of which the iteration took
+    double host_iterated = 0.0; // and the host's part of it
 };
 
 render_clock now;
@@ -84,32 +86,46 @@ PF_Err take_two_samples(void* refcon, A_long x, A_long y, PF_Pixel*, PF_Pixel* o
     return now.utils.subpixel_sample(how.host, fixed_x, fixed_y, &how.input, out);
 }
 
-// The host's part of an iteration, found by doing it again without the effect.
-double host_part_of_iterate(PF_InData* in_data, PF_EffectWorld* src, const PF_Rect* area,
-                            const PF_EffectWorld& dst)
+// The pixels of the area row by row: the effect's iteration and the same without the effect, one after the other
+// and first in turn, so that what else the machine does hits both alike.
+PF_Err iterate_rows(PF_InData* in_data, PF_EffectWorld* src, PF_Rect area, void* refcon,
+                    PF_IteratePixel8Func function, PF_EffectWorld* dst, PF_EffectWorld* unseen)
 {
     two_samples how{};
     how.host = in_data->effect_ref;
     how.matte.src = src;
     how.input.src = const_cast<PF_LayerDef*>(now.input);
-    PF_EffectWorld unseen{};
-    if (now.utils.new_world(how.host, dst.width, dst.height, PF_NewWorldFlag_CLEAR_PIXELS, &unseen) != PF_Err_NONE)
-        return 0.0;
-    const auto start = wall_clock::now();
-    now.utils.iterate(in_data, 0, 1, src, area, &how, take_two_samples, &unseen);
-    const double taken = seconds_since(start);
-    now.utils.dispose_world(how.host, &unseen);
-    return taken;
+    PF_Err answer = PF_Err_NONE;
+    for (A_long y = area.top; y < area.bottom && answer == PF_Err_NONE; ++y)
+    {
+        const PF_Rect row = {area.left, y, area.right, y + 1};
+        for (const bool effects : {y % 2 == 0, y % 2 != 0})
+        {
+            const double before = thread_seconds();
+            if (effects)
+                answer = now.utils.iterate(in_data, 0, 1, src, &row, refcon, function, dst);
+            else
+                now.utils.iterate(in_data, 0, 1, src, &row, &how, take_two_samples, unseen);
+            (effects ? now.iterated : now.host_iterated) += thread_seconds() - before;
+        }
+    }
+    return answer;
 }
 
 PF_Err clocked_iterate(PF_InData* in_data, A_long progress_base, A_long progress_final, PF_EffectWorld* src,
                        const PF_Rect* area, void* refcon, PF_IteratePixel8Func function, PF_EffectWorld* dst)
 {
+    const double before = thread_seconds();
+    PF_EffectWorld unseen{};
+    if (now.utils.new_world(in_data->effect_ref, dst->width, dst->height, 0, &unseen) != PF_Err_NONE)
+        return now.utils.iterate(in_data, progress_base, progress_final, src, area, refcon, function, dst);
+    const PF_Pixel touched = {1, 1, 1, 1};
+    now.utils.fill(in_data->effect_ref, &touched, nullptr, &unseen);
+    const PF_Rect whole = {0, 0, src->width, src->height};
     const PF_Err answer =
-        now.utils.iterate(in_data, progress_base, progress_final, src, area, refcon, function, dst);
-    const auto start = wall_clock::now();
-    now.host += host_part_of_iterate(in_data, src, area, *dst);
-    now.left_out += seconds_since(start);
+        iterate_rows(in_data, src, area != nullptr ? *area : whole, refcon, function, dst, &unseen);
+    now.utils.dispose_world(in_data->effect_ref, &unseen);
+    now.iterating += thread_seconds() - before;
     return answer;
 }
 
@@ -145,16 +161,17 @@ PF_Err clocked_entry(PF_Cmd command, PF_InData* in_data, PF_OutData* out_data, P
     if (command != PF_Cmd_RENDER)
         return entry(command, in_data, out_data, params, output, extra);
 
-    now = {*in_data->utils, in_data->inter, &params[0]->u.ld, 0.0, 0.0};
+    now = {*in_data->utils, in_data->inter, &params[0]->u.ld};
     wrap_tables(*in_data->utils, in_data->inter);
     const double cpu_before = thread_seconds();
     const auto start = wall_clock::now();
     const PF_Err answer = entry(command, in_data, out_data, params, output, extra);
     const double wall = seconds_since(start);
-    const double share = (thread_seconds() - cpu_before) / wall;
+    const double cpu = thread_seconds() - cpu_before;
+    const double host = now.host * cpu / wall;
     *in_data->utils = now.utils;
     in_data->inter = now.inter;
-    last = {share * (wall - now.left_out - now.host), share * now.host};
+    last = {cpu - now.iterating + now.iterated - now.host_iterated - host, host + now.host_iterated};
     return answer;
 }
 } // namespace
