@@ -1,6 +1,5 @@
 #include "memory_reserve.hpp"
 
-#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <sys/mman.h>
@@ -17,31 +16,18 @@ namespace host
 {
 namespace
 {
-constexpr std::size_t huge_page = std::size_t{1} << 21;
+// Blocks of nearly one size can stand in for each other.
+constexpr std::size_t step = std::size_t{1} << 20;
 // Smaller blocks the heap keeps by itself. Of larger ones often a small part is touched, and the rest would be
 // made real by clearing it.
 constexpr std::size_t smallest_kept = std::size_t{1} << 20;
 constexpr std::size_t largest_kept = std::size_t{1} << 27;
 
-// Whole huge pages, which the system clears in a tenth of the time that small ones take. Null where there are
-// none.
+// Null where there are none.
 std::byte* map_pages(std::size_t room)
 {
-    const std::size_t asked = room + huge_page;
-    void* const mapped = mmap(nullptr, asked, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapped == MAP_FAILED)
-        return nullptr;
-    auto* const first = static_cast<std::byte*>(mapped);
-    const std::size_t past = reinterpret_cast<std::uintptr_t>(mapped) % huge_page;
-    const std::size_t before = past == 0 ? 0 : huge_page - past;
-    if (before != 0)
-        munmap(first, before);
-    if (before != huge_page)
-        munmap(first + before + room, huge_page - before);
-#ifdef MADV_HUGEPAGE
-    madvise(first + before, room, MADV_HUGEPAGE); // a wish: small pages do as well
-#endif
-    return first + before;
+    void* const mapped = mmap(nullptr, room, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return mapped == MAP_FAILED ? nullptr : static_cast<std::byte*>(mapped);
 }
 
 void unmap_pages(std::byte* data, std::size_t room)
@@ -88,7 +74,7 @@ memory_block memory_reserve::take(memory_reserve* reserve, std::size_t size, boo
     pages found = reserve->kept_for(size);
     if (found.data == nullptr)
     {
-        found.room = (size + huge_page - 1) / huge_page * huge_page;
+        found.room = (size + step - 1) / step * step;
         found.data = map_pages(found.room);
         block.zero_ = true;
     }
@@ -119,7 +105,7 @@ memory_reserve::pages memory_reserve::kept_for(std::size_t size)
     auto best = kept_.end();
     for (auto block = kept_.begin(); block != kept_.end(); ++block)
     {
-        const bool fits = block->room >= size && block->room / 2 <= size + huge_page;
+        const bool fits = block->room >= size && block->room / 2 <= size;
         if (fits && (best == kept_.end() || block->room <= best->room))
             best = block;
     }

@@ -142,7 +142,7 @@ TEST(render_frames, hold_memory_for_their_jobs_however_many_they_are)
             host::render_frames(
                 effect, scripted::small_comp(600, 500), values, {0, frames - 1}, jobs,
                 [](std::int32_t, host::image_view) { return true; }, shown);
-            // Each of these takes a page of 2 MiB: three in a render, two for each frame in flight.
+            // Each of these takes 2 MiB: three blocks in a render, two for each frame in flight.
             const auto most = static_cast<std::size_t>(3 * jobs + 2 * (jobs + 2)) * 2 * mebibyte;
             const std::size_t kept = host::plugin_access::memory(effect).kept_bytes();
             EXPECT_LE(kept, most) << jobs << " jobs, " << frames << " frames";
