@@ -2,16 +2,14 @@
 
 #include "stop_signal.hpp"
 
+#include <map>
+#include <mutex>
+
 namespace cli
 {
 namespace
 {
 media::image_view as_media(host::image_view view)
-{
-    return {view.argb, view.width, view.height, view.rowbytes};
-}
-
-media::const_image_view as_media(host::const_image_view view)
 {
     return {view.argb, view.width, view.height, view.rowbytes};
 }
@@ -54,30 +52,39 @@ class frame_drain
 {
 public:
     frame_drain(const render_plan& plan, media::writer& output, progress& shown)
-        : plan_(plan), output_(output), shown_(shown), laid_(plan.comp.picture_width(), plan.comp.picture_height())
+        : plan_(plan), output_(output), shown_(shown)
     {
     }
 
-    void take(host::const_image_view frame)
+    // What takes the time, for several frames at once. Lays the background under the frame where it stands.
+    void prepare(std::int32_t number, host::image_view frame)
     {
-        if (plan_.under.fill == media::background::pattern::transparent)
-        {
-            output_.write(as_media(frame));
-        }
-        else
-        {
-            media::box_average(as_media(frame), 1, laid_.view());
-            media::lay_over(plan_.under, laid_.view());
-            output_.write(laid_.view());
-        }
+        const media::image_view drawn = as_media(frame);
+        media::lay_over(plan_.under, drawn);
+        media::prepared_frame made = output_.prepare(number, drawn);
+        const std::lock_guard hold(mutex_);
+        prepared_.emplace(number, std::move(made));
+    }
+
+    // Prepared frames, one after the other.
+    void take(std::int32_t number)
+    {
+        output_.write(prepared(number));
         shown_.frame_done();
     }
 
 private:
+    media::prepared_frame prepared(std::int32_t number)
+    {
+        const std::lock_guard hold(mutex_);
+        return std::move(prepared_.extract(number).mapped());
+    }
+
     const render_plan& plan_;
     media::writer& output_;
     progress& shown_;
-    media::picture laid_;
+    std::mutex mutex_;
+    std::map<std::int32_t, media::prepared_frame> prepared_; // of frames in flight
 };
 
 class stopwatch
@@ -104,7 +111,8 @@ std::int32_t render_all(render_plan& plan, const host::plugin& effect, media::wr
     return host::render_frames(
         effect, plan.comp, plan.values, plan.range, plan.jobs,
         [&](std::int32_t frame, host::image_view into) { return feed.fill(frame, into); },
-        [&](std::int32_t, host::const_image_view finished) { drain.take(finished); }, &stop_requested());
+        [&](std::int32_t frame, host::const_image_view) { drain.take(frame); }, &stop_requested(), {},
+        [&](std::int32_t frame, host::image_view drawn) { drain.prepare(frame, drawn); });
 }
 
 std::int32_t render_all_timed(render_plan& plan, const host::plugin& effect, media::writer& output,
@@ -131,7 +139,8 @@ std::int32_t render_all_timed(render_plan& plan, const host::plugin& effect, med
         spent.effect += 1000.0 * (stats.total_seconds - stats.host_seconds);
         spent.host += 1000.0 * stats.host_seconds;
         watch.lap();
-        drain.take({target.argb, target.width, target.height, target.rowbytes});
+        drain.prepare(frame, target);
+        drain.take(frame);
         spent.output += watch.lap();
         ++count;
     }

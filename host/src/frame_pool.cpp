@@ -47,7 +47,7 @@ struct slot
     pixel_block output;
     bool used = false; // the input is not as made
     std::vector<std::string> log;
-    std::exception_ptr failure; // of the source or the render
+    std::exception_ptr failure; // of the source, the render or its finish
 };
 
 // Every worker does all three steps of a frame: it fetches the next input, renders, and then hands over whatever
@@ -58,12 +58,14 @@ class pool
 public:
     using source_function = std::function<bool(std::int32_t, image_view)>;
     using sink_function = std::function<void(std::int32_t, const_image_view)>;
+    using finish_function = std::function<void(std::int32_t, image_view)>;
 
     pool(const plugin& effect, const composition& comp, const param_tracks& values, frame_range range, int jobs,
          const source_function& source, const sink_function& sink, const std::atomic<bool>* stop,
-         const render_options& options)
+         const render_options& options, const finish_function& finish)
         : effect_(effect), comp_(comp), values_(values), range_(range), slots_(jobs + 2), source_(source),
-          sink_(sink), stop_(stop), options_(options), next_in_(range.first), next_out_(range.first)
+          sink_(sink), finish_(finish), stop_(stop), options_(options), next_in_(range.first),
+          next_out_(range.first)
     {
     }
 
@@ -154,6 +156,8 @@ private:
             options.log = options_.log ? &pictures.log : nullptr;
             render_lent_frame(effect_, comp_, values_, frame, slot::view_of(pictures.input),
                               slot::view_of(pictures.output), options);
+            if (finish_)
+                finish_(frame, slot::view_of(pictures.output));
         }
         catch (...)
         {
@@ -218,6 +222,7 @@ private:
     int slots_; // how many more frames may be on their way
     const source_function& source_;
     const sink_function& sink_;
+    const finish_function& finish_;
     const std::atomic<bool>* stop_;
     const render_options& options_;
 
@@ -239,7 +244,8 @@ std::int32_t render_frames(const plugin& effect, const composition& comp, const 
                            frame_range range, int jobs,
                            const std::function<bool(std::int32_t frame, image_view input)>& source,
                            const std::function<void(std::int32_t frame, const_image_view output)>& sink,
-                           const std::atomic<bool>* stop, const render_options& options)
+                           const std::atomic<bool>* stop, const render_options& options,
+                           const std::function<void(std::int32_t frame, image_view output)>& finish)
 {
     if (jobs < 1)
         throw error(text_line(jobs, " jobs cannot render anything; give 1 or more"));
@@ -249,7 +255,7 @@ std::int32_t render_frames(const plugin& effect, const composition& comp, const 
         return 0;
     const int workers = static_cast<int>(std::min<std::int64_t>(jobs, frames));
 
-    pool work(effect, comp, values, range, workers, source, sink, stop, options);
+    pool work(effect, comp, values, range, workers, source, sink, stop, options, finish);
     std::vector<std::thread> threads;
     try
     {

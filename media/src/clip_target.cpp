@@ -6,8 +6,10 @@
 #include "target.hpp"
 
 #include <cstring>
+#include <mutex>
 #include <new>
 #include <optional>
+#include <vector>
 
 namespace media
 {
@@ -59,13 +61,20 @@ public:
 
     ~clip_target() override { close(); }
 
-    void write(const_image_view frame) override
+    void prepare(std::int32_t, const_image_view frame, prepared_frame::content& made) override
     {
         if (frame.width != options_.width || frame.height != options_.height)
             throw error(name_ + ": a frame has another size than announced");
-        AVFrame* filled = pixels_ == AV_PIX_FMT_PAL8 ? fill_palette(frame) : frame_->fill(frame);
-        filled->pts = written_;
-        send(filled);
+        if (pixels_ == AV_PIX_FMT_PAL8)
+            made.frame = paletted(frame);
+        else
+            made.frame = converted(frame);
+    }
+
+    void write(prepared_frame::content& frame) override
+    {
+        frame.frame->pts = written_;
+        send(frame.frame.get());
         ++written_;
         if (audio_)
             audio_->write_until(written_);
@@ -141,29 +150,50 @@ private:
         stream_->time_base = encoder_->time_base;
         stream_->avg_frame_rate = encoder_->framerate;
         stream_->sample_aspect_ratio = encoder_->sample_aspect_ratio;
-        if (pixels_ != AV_PIX_FMT_PAL8)
-            frame_.emplace(pixels_, width, height, encoder_->colorspace, false);
-        else if (options_.rate.num > 50 * static_cast<std::int64_t>(options_.rate.den))
+        if (pixels_ == AV_PIX_FMT_PAL8 && options_.rate.num > 50 * static_cast<std::int64_t>(options_.rate.den))
             notes.push_back("GIF players slow down above 50 frames a second");
     }
 
-    AVFrame* fill_palette(const_image_view image)
+    // Threads that prepare frames at once have a converter each.
+    av::owner<AVFrame> converted(const_image_view image)
+    {
+        std::unique_ptr<encoder_frame> converter = spare_converter();
+        av::owner<AVFrame> frame = converter->make(image);
+        const std::lock_guard hold(converters_mutex_);
+        converters_.push_back(std::move(converter));
+        return frame;
+    }
+
+    std::unique_ptr<encoder_frame> spare_converter()
+    {
+        {
+            const std::lock_guard hold(converters_mutex_);
+            if (!converters_.empty())
+            {
+                auto converter = std::move(converters_.back());
+                converters_.pop_back();
+                return converter;
+            }
+        }
+        return std::make_unique<encoder_frame>(pixels_, width, height, encoder_->colorspace, false);
+    }
+
+    static av::owner<AVFrame> paletted(const_image_view image)
     {
         const paletted_picture picture = make_palette(image);
-        // A new one for each frame: the encoder keeps the last to see what has changed.
-        paletted_ = av::new_frame();
-        paletted_->format = AV_PIX_FMT_PAL8;
-        paletted_->width = image.width;
-        paletted_->height = image.height;
-        if (av_frame_get_buffer(paletted_.get(), 0) < 0)
+        av::owner<AVFrame> frame = av::new_frame();
+        frame->format = AV_PIX_FMT_PAL8;
+        frame->width = image.width;
+        frame->height = image.height;
+        if (av_frame_get_buffer(frame.get(), 0) < 0)
             throw std::bad_alloc();
         for (int y = 0; y < image.height; ++y)
-            std::memcpy(paletted_->data[0] + static_cast<std::ptrdiff_t>(y) * paletted_->linesize[0],
+            std::memcpy(frame->data[0] + static_cast<std::ptrdiff_t>(y) * frame->linesize[0],
                         picture.pixels.data() +
                             static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width),
                         static_cast<std::size_t>(image.width));
-        std::memcpy(paletted_->data[1], picture.colors.data(), sizeof picture.colors);
-        return paletted_.get();
+        std::memcpy(frame->data[1], picture.colors.data(), sizeof picture.colors);
+        return frame;
     }
 
     // Encodes a frame, or with null what is still waiting, and writes the packets that come out.
@@ -214,8 +244,8 @@ private:
     bool muxing_ = false; // the header is written and the trailer is not
     av::owner<AVCodecContext> encoder_;
     av::owner<AVPacket> packet_;
-    std::optional<encoder_frame> frame_;
-    av::owner<AVFrame> paletted_;
+    std::mutex converters_mutex_;
+    std::vector<std::unique_ptr<encoder_frame>> converters_;
     std::optional<audio_copy> audio_;
     std::int64_t written_ = 0;
 };

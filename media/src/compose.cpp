@@ -40,18 +40,21 @@ void lay_over(const background& under, image_view picture)
 {
     if (under.fill == background::pattern::transparent)
         return;
+    const bool checker = under.fill == background::pattern::checker;
     for (int y = 0; y < picture.height; ++y)
     {
         std::uint8_t* p = picture.row(y);
         for (int x = 0; x < picture.width; ++x, p += 4)
         {
-            const std::uint8_t grey = ((x / 8 + y / 8) & 1) == 0 ? 204 : 153;
-            const bool checker = under.fill == background::pattern::checker;
             const unsigned alpha = p[0];
+            if (alpha == 255)
+                continue;
+            const std::uint8_t grey = ((x / 8 + y / 8) & 1) == 0 ? 204 : 153;
+            const std::uint8_t below[3] = {checker ? grey : under.red, checker ? grey : under.green,
+                                           checker ? grey : under.blue};
             p[0] = 255;
-            p[1] = mix(p[1], checker ? grey : under.red, alpha);
-            p[2] = mix(p[2], checker ? grey : under.green, alpha);
-            p[3] = mix(p[3], checker ? grey : under.blue, alpha);
+            for (int c = 0; c < 3; ++c)
+                p[1 + c] = alpha == 0 ? below[c] : mix(p[1 + c], below[c], alpha);
         }
     }
 }

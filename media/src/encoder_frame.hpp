@@ -14,14 +14,15 @@ public:
     // are the YUV formats'.
     encoder_frame(AVPixelFormat format, int width, int height, AVColorSpace matrix, bool full_range);
 
-    // The picture in the encoder's format; valid until the next call.
-    AVFrame* fill(const_image_view image);
+    // The picture in the encoder's format. For one thread at a time.
+    av::owner<AVFrame> make(const_image_view image);
 
 private:
-    void pack(const_image_view image);
-    void widen_alpha();
-
-    av::owner<AVFrame> frame_;
+    AVPixelFormat format_;
+    int width_;
+    int height_;
+    AVColorSpace matrix_;
+    bool full_range_;
     av::owner<AVFrame> padded_; // YUV: the ARGB picture at the frame's size
     av::owner<SwsContext> scaler_;
 };

@@ -25,16 +25,21 @@ public:
         pending_file trial(file_of(options.first), options.overwrite);
     }
 
-    void write(const_image_view frame) override
+    void prepare(std::int32_t number, const_image_view frame, prepared_frame::content& made) override
     {
-        const std::filesystem::path file = file_of(next_);
+        const std::filesystem::path file = file_of(number);
         if (frame.width != options_.width || frame.height != options_.height)
             throw error(file.string() + ": a frame has another size than announced");
+        made.picture = encode_still(encoder_, frame, file.string());
+    }
+
+    void write(prepared_frame::content& frame) override
+    {
+        const std::filesystem::path file = file_of(next_);
         if (!pattern_ && next_ != options_.first)
             throw error(file.string() + ": one picture cannot hold several frames");
-        const av::owner<AVPacket> bytes = encode_still(encoder_, frame, file.string());
         pending_file made(file, options_.overwrite);
-        made.write(bytes->data, static_cast<std::size_t>(bytes->size));
+        made.write(frame.picture->data, static_cast<std::size_t>(frame.picture->size));
         made.commit();
         ++next_;
     }

@@ -24,6 +24,13 @@ void set_quality(AVCodecContext& codec)
         codec.flags |= AV_CODEC_FLAG_QSCALE;
         codec.global_quality = 2 * FF_QP2LAMBDA; // the best that players agree on
     }
+    // Half the time of the defaults. Rows are stored as what they differ by from the one above, which makes up for
+    // most of the size: lines go on from row to row.
+    if (codec.codec_id == AV_CODEC_ID_PNG)
+    {
+        codec.compression_level = 3;
+        av_opt_set(codec.priv_data, "pred", "up", 0);
+    }
     if (codec.codec_id == AV_CODEC_ID_WEBP)
         av_opt_set_int(codec.priv_data, "lossless", 1, 0);
 }
@@ -47,10 +54,11 @@ av::owner<AVPacket> encode_still(const std::string& encoder, const_image_view im
     set_quality(*context);
 
     av::owner<AVPacket> packet = av::new_packet();
-    encoder_frame frame(format, image.width, image.height, AVCOL_SPC_SMPTE170M, true);
+    const av::owner<AVFrame> frame =
+        encoder_frame(format, image.width, image.height, AVCOL_SPC_SMPTE170M, true).make(image);
     int code = avcodec_open2(context.get(), codec, nullptr);
     if (code >= 0)
-        code = avcodec_send_frame(context.get(), frame.fill(image));
+        code = avcodec_send_frame(context.get(), frame.get());
     if (code >= 0)
         code = avcodec_send_frame(context.get(), nullptr);
     if (code >= 0)

@@ -1,14 +1,22 @@
 #pragma once
 // The kinds of target behind a writer.
 
+#include "av.hpp"
 #include "media/writer.hpp"
 
 namespace media
 {
+struct prepared_frame::content
+{
+    av::owner<AVPacket> picture; // a whole file
+    av::owner<AVFrame> frame;    // a clip's
+};
+
 struct writer::target
 {
     virtual ~target() = default;
-    virtual void write(const_image_view frame) = 0;
+    virtual void prepare(std::int32_t number, const_image_view frame, prepared_frame::content& made) = 0;
+    virtual void write(prepared_frame::content& frame) = 0;
     virtual void finish() = 0;
     std::vector<std::string> notes;
     int width = 0; // of what is written

@@ -23,7 +23,12 @@ std::string as_sequence(const std::filesystem::path& output)
 }
 } // namespace
 
-writer::writer(const std::filesystem::path& output, const write_options& options)
+prepared_frame::prepared_frame(std::unique_ptr<content> made) : content_(std::move(made)) {}
+prepared_frame::~prepared_frame() = default;
+prepared_frame::prepared_frame(prepared_frame&&) noexcept = default;
+prepared_frame& prepared_frame::operator=(prepared_frame&&) noexcept = default;
+
+writer::writer(const std::filesystem::path& output, const write_options& options) : next_(options.first)
 {
     const output_format format = format_of(output, options.codec);
     if (options.width < 1 || options.height < 1)
@@ -47,7 +52,20 @@ writer& writer::operator=(writer&&) noexcept = default;
 
 void writer::write(const_image_view frame)
 {
-    target_->write(frame);
+    write(prepare(next_, frame));
+}
+
+prepared_frame writer::prepare(std::int32_t number, const_image_view frame) const
+{
+    auto made = std::make_unique<prepared_frame::content>();
+    target_->prepare(number, frame, *made);
+    return prepared_frame(std::move(made));
+}
+
+void writer::write(prepared_frame frame)
+{
+    target_->write(*frame.content_);
+    ++next_;
 }
 
 void writer::finish()

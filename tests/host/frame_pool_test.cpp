@@ -51,6 +51,7 @@ struct plan
     int jobs = 1;
     std::function<bool(std::int32_t)> on_source = [](std::int32_t) { return true; };
     std::function<void(std::int32_t)> on_sink = [](std::int32_t) {};
+    std::function<void(std::int32_t, host::image_view)> finish = {};
     const std::atomic<bool>* stop = nullptr;
     bool logged = false;
 };
@@ -88,8 +89,8 @@ run carried_out(const plan& how, const scripted::script& render = shift_red)
     };
     try
     {
-        result.delivered =
-            host::render_frames(effect, comp, values, how.range, how.jobs, source, sink, how.stop, options);
+        result.delivered = host::render_frames(effect, comp, values, how.range, how.jobs, source, sink, how.stop,
+                                               options, how.finish);
     }
     catch (const std::exception& failure)
     {
@@ -125,6 +126,10 @@ TEST(render_frames, holds_no_more_than_jobs_and_two_in_flight)
 {
     plan slow_sink{{0, 30}, 3};
     slow_sink.on_sink = [](std::int32_t) { std::this_thread::sleep_for(std::chrono::milliseconds(2)); };
+    EXPECT_LE(carried_out(slow_sink).most_in_flight, 5);
+    // However many frames there are.
+    slow_sink.range = {0, 600};
+    slow_sink.on_sink = [](std::int32_t) {};
     EXPECT_LE(carried_out(slow_sink).most_in_flight, 5);
 }
 
@@ -185,6 +190,46 @@ TEST(render_frames, throws_what_the_sink_throws_at_once)
         const run result = carried_out(bad_sink);
         EXPECT_EQ(result.error, "disk is full");
         EXPECT_EQ(result.sinks, numbers(0, 3));
+    }
+}
+
+TEST(render_frames, finish_each_frame_before_its_turn)
+{
+    for (const int jobs : {1, 4})
+    {
+        plan finished{{0, 30}, jobs};
+        std::atomic<int> alive{0}, most{0};
+        finished.finish = [&](std::int32_t frame, host::image_view output)
+        {
+            output.argb[3] = static_cast<std::uint8_t>(200 + frame % 7);
+            const int now = ++alive;
+            for (int before = most; before < now && !most.compare_exchange_weak(before, now);)
+            {
+            }
+        };
+        finished.on_sink = [&](std::int32_t) { --alive; };
+        const run result = carried_out(finished);
+        EXPECT_EQ(result.delivered, 31);
+        for (std::size_t frame = 0; frame < result.pictures.size(); ++frame)
+            EXPECT_EQ(result.pictures[frame][3], 200 + frame % 7);
+        // What finish makes for the sink waits no longer than the frame itself.
+        EXPECT_LE(most, jobs + 2);
+    }
+}
+
+TEST(render_frames, throws_what_finish_throws_after_the_frames_before)
+{
+    for (const int jobs : {1, 4})
+    {
+        plan bad_finish{{0, 100}, jobs};
+        bad_finish.finish = [](std::int32_t frame, host::image_view)
+        {
+            if (frame >= 5)
+                throw std::runtime_error("no such colour in frame " + std::to_string(frame));
+        };
+        const run result = carried_out(bad_finish);
+        EXPECT_EQ(result.error, "no such colour in frame 5");
+        EXPECT_EQ(result.sinks, numbers(0, 4));
     }
 }
 

@@ -25,5 +25,6 @@ std::int32_t render_frames(const plugin& effect, const composition& comp, const 
                            frame_range range, int jobs,
                            const std::function<bool(std::int32_t frame, image_view input)>& source,
                            const std::function<void(std::int32_t frame, const_image_view output)>& sink,
-                           const std::atomic<bool>* stop = nullptr, const render_options& options = {});
+                           const std::atomic<bool>* stop = nullptr, const render_options& options = {},
+                           const std::function<void(std::int32_t frame, image_view output)>& finish = {});
 } // namespace host

@@ -64,6 +64,21 @@ struct write_options
     std::filesystem::path audio_from;
 };
 
+// A frame in the form that the file takes it in.
+class prepared_frame
+{
+public:
+    struct content;
+    explicit prepared_frame(std::unique_ptr<content> made);
+    ~prepared_frame();
+    prepared_frame(prepared_frame&&) noexcept;
+    prepared_frame& operator=(prepared_frame&&) noexcept;
+
+private:
+    friend class writer;
+    std::unique_ptr<content> content_;
+};
+
 class writer
 {
 public:
@@ -77,6 +92,11 @@ public:
     // The next frame. Where the format keeps no transparency the alpha is ignored: lay a background under it
     // first.
     void write(const_image_view frame);
+    // The same in two steps. The first is most of the work for pictures (their whole encoding) and some for clips
+    // (their colours), and any number of threads may do it at once, in any order; `number` is the frame's. The
+    // second takes them in order, like write.
+    prepared_frame prepare(std::int32_t number, const_image_view frame) const;
+    void write(prepared_frame frame);
     // Completes the file and gives it its name.
     void finish();
     // What the user may want to know, one line each: an odd size that was padded, audio that stayed behind.
@@ -89,5 +109,6 @@ public:
 
 private:
     std::unique_ptr<target> target_;
+    std::int32_t next_;
 };
 } // namespace media
