@@ -213,16 +213,6 @@ void sp_line::sort() noexcept
     sort_points(frame->pool, points, num_points, vertical != 0 ? cmp_pt_y : cmp_pt_x);
 }
 
-void sp_line::insert_distortion(const fpoint_t* pts, int n) noexcept
-{
-    for (int i = 0; i < n && takes_points(); ++i)
-    {
-        points[num_points].x = pts[i].x;
-        points[num_points].y = pts[i].y;
-        ++num_points;
-    }
-}
-
 void sp_line::affect_compression() noexcept
 {
     fpoint_t center = {static_cast<double>(frame->compressionCenterX),

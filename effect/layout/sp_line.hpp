@@ -41,7 +41,14 @@ public:
 
     // Appends points while there is room; not sorted.
     bool takes_points() const noexcept { return num_points < max_points && num_points < room; }
-    void insert_distortion(const fpoint_t* pts, int n) noexcept;
+    void insert_distortion(const fpoint_t* pts, int n) noexcept
+    {
+        for (int i = 0; i < n && takes_points(); ++i, ++num_points)
+        {
+            points[num_points].x = pts[i].x;
+            points[num_points].y = pts[i].y;
+        }
+    }
 
     // The across coordinate at running position t, linear, over points in descending running order. False outside
     // them (the first point's own position included).

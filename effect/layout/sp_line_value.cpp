@@ -29,37 +29,29 @@ bool sp_line::value(const curve_pt_t* pts, int n, float t, float* out) const noe
 
 bool falling_values::fall(const sp_line& line) noexcept
 {
+    double curve_pt_t::*const run = line.vertical != 0 ? &curve_pt_t::y : &curve_pt_t::x;
     for (int i = 1; i < line.num_points; ++i)
-        if (!(line.run(line.points[i]) <= line.run(line.points[i - 1])))
+        if (!(line.points[i].*run <= line.points[i - 1].*run))
             return false;
     return true;
 }
 
 falling_values::falling_values(const sp_line& line, double* highest) noexcept
-    : line_(line), highest_(highest), count_(line.num_points), falling_(fall(line))
+    : line_(line), points_(line.points), run_(line.vertical != 0 ? &curve_pt_t::y : &curve_pt_t::x),
+      highest_(highest), count_(line.num_points), falling_(fall(line))
 {
     if (falling_ || highest_ == nullptr)
         return;
     double above = -std::numeric_limits<double>::infinity();
     for (int i = count_ - 1; i >= 1; --i)
     {
-        above = std::max(above, line_.run(line_.points[i - 1])); // a position that is no number bounds nothing
+        above = std::max(above, points_[i - 1].*run_); // a position that is no number bounds nothing
         highest_[i] = above;
     }
 }
 
-int falling_values::segment(float t) noexcept
+int falling_values::search(double at) noexcept
 {
-    const auto at = static_cast<double>(t);
-    const curve_pt_t* const points = line_.points;
-    if (falling_)
-    {
-        while (cursor_ < count_ && line_.run(points[cursor_]) > at)
-            ++cursor_;
-        const bool there =
-            cursor_ >= 1 && cursor_ < count_ && line_.on_segment(points[cursor_ - 1], points[cursor_], at);
-        return there ? cursor_ : 0;
-    }
     int i = count_ - 1;
     if (highest_ != nullptr)
     {
@@ -67,7 +59,7 @@ int falling_values::segment(float t) noexcept
             ++cursor_;
         i = cursor_;
     }
-    while (i >= 1 && !line_.on_segment(points[i - 1], points[i], at))
+    while (i >= 1 && !on_segment(i, at))
         --i;
     return std::max(i, 0);
 }

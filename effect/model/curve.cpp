@@ -8,9 +8,10 @@
 namespace
 {
 // An index is below the count and 16 bits wide, and the sample after it is read, too. All further samples, which
-// is to say most of a turbulent ripple's bands, are never read, and neither cleared nor drawn (the generator ends
-// with the constructor).
+// is to say most of a turbulent ripple's bands, are never read, and never drawn.
 constexpr std::int64_t kReadable = 32769;
+
+constexpr std::int64_t kBatch = 64; // samples drawn at a time
 
 std::int16_t octave_count(float turbulence) noexcept
 {
@@ -52,7 +53,6 @@ curve::curve(frame_data* frame, unsigned int seed, int skip, std::int64_t phase,
     const std::int64_t drawn = sample_count(count_, bands_);
     if (drawn < 0)
         return;
-    const std::int64_t read = std::min({drawn + 1, count_ + 1, kReadable});
     samples_ = pool_array_used<float>(frame->pool, drawn + 1, 0);
     if (samples_ == nullptr)
         return;
@@ -60,10 +60,19 @@ curve::curve(frame_data* frame, unsigned int seed, int skip, std::int64_t phase,
     MATH_Rand_IMP rand(gen);
     for (int i = 0; i < skip; ++i)
         rand.random();
+    generator_ = gen;
+}
+
+void curve::draw_samples(std::int64_t needed) const noexcept
+{
+    const std::int64_t all = count_ * (bands_ + 1);
+    const std::int64_t readable = std::min({all + 1, count_ + 1, kReadable});
+    const std::int64_t end = std::min((needed / kBatch + 1) * kBatch, readable);
+    const std::int64_t random = std::max<std::int64_t>(std::min(end, all), ready_);
     const auto reach = static_cast<double>(amplitude_);
-    const std::int64_t random = std::min(drawn, read);
-    gen.fill(-reach, reach, samples_, random);
-    std::fill(samples_ + random, samples_ + read, 0.0f);
+    generator_.fill(-reach, reach, samples_ + ready_, random - ready_);
+    std::fill(samples_ + random, samples_ + end, 0.0f);
+    ready_ = static_cast<std::int32_t>(end);
 }
 
 bool curve::f(float t, float* out) const noexcept
@@ -74,6 +83,7 @@ bool curve::f(float t, float* out) const noexcept
     const std::int16_t i = trunc_i16(static_cast<double>(t / step));
     if (i < 0 || i > count_ - 1)
         return false;
+    need_samples(i + 2);
     // Cubic Hermite interpolation with zero slopes at the samples.
     const float u = (t - static_cast<float>(i * step_)) / step;
     const float u2 = u * u;

@@ -1,6 +1,7 @@
 #pragma once
-// The ripple of one line: a one-dimensional random wave, sampled once, evaluated along the line by smooth
-// interpolation, with further octaves that slide with time. Carved from the frame's pool.
+// The ripple of one line: a one-dimensional random wave, sampled, evaluated along the line by smooth
+// interpolation, with further octaves that slide with time. Carved from the frame's pool. Its samples are drawn as
+// they are asked for, so that one thread at a time may evaluate it.
 
 #include "effect/model/ae_obj.hpp"
 #include "effect/model/random.hpp"
@@ -44,16 +45,25 @@ private:
     void waves(const float* __restrict t, float* __restrict out,
                std::int32_t* __restrict there) const noexcept; // f, where there are samples
 
-    Loom::RandomGenerator32 generator_{0};
-    std::int16_t octaves_ = 0; // 2 to 7 (0 for a turbulence that is not a number)
-    std::int16_t bands_ = 0;   // sizes the sample array only
+    // Sees to it that the first `needed` samples are drawn, of those that may be read.
+    void need_samples(std::int64_t needed) const noexcept
+    {
+        if (needed > ready_)
+            draw_samples(needed);
+    }
+    void draw_samples(std::int64_t needed) const noexcept;
+
+    mutable Loom::RandomGenerator32 generator_{0}; // of the samples that are not drawn yet
+    std::int16_t octaves_ = 0;                     // 2 to 7 (0 for a turbulence that is not a number)
+    std::int16_t bands_ = 0;                       // sizes the sample array only
     std::int64_t phase_ = 0;
     float last_weight_ = 0.0f; // of the last octave: the turbulence's fraction
     float speed_ = 0.0f;
     PF_InData* in_data_ = nullptr;
     frame_data* frame_ = nullptr;
-    std::int64_t count_ = 0;     // usable samples
-    std::int16_t amplitude_ = 0; // pixels
-    std::int16_t step_ = 0;      // wavelength in pixels: the distance between samples
-    float* samples_ = nullptr;   // count * (bands + 1), and a zero
+    std::int64_t count_ = 0;         // usable samples
+    std::int16_t amplitude_ = 0;     // pixels
+    std::int16_t step_ = 0;          // wavelength in pixels: the distance between samples
+    mutable std::int32_t ready_ = 0; // samples drawn so far: only as far as they have been read
+    float* samples_ = nullptr;       // count * (bands + 1), and a zero
 };

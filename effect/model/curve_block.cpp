@@ -1,7 +1,9 @@
-// A ripple at many positions at once: plain loops of a fixed length over what curve::F does one position at a time,
-// each operation rounded alike.
+// A ripple at many positions at once: plain loops of a fixed length over what curve::F does one position at a
+// time, each operation rounded alike.
 
 #include "effect/model/curve.hpp"
+
+#include "effect/model/numeric.hpp"
 
 #include <algorithm>
 #include <limits>
@@ -13,13 +15,8 @@ constexpr int kBlock = curve::kBlock;
 // The low 16 bits of each value, truncated: trunc_i16.
 void truncate(const float* __restrict values, std::int32_t* __restrict out) noexcept
 {
-    constexpr float kEnd = 2147483648.0f;
     for (int i = 0; i < kBlock; ++i)
-    {
-        const float below = values[i] < kEnd ? values[i] : -kEnd; // of what is no number, too
-        const auto whole = static_cast<std::int32_t>(below >= -kEnd ? below : -kEnd);
-        out[i] = static_cast<std::int32_t>(static_cast<std::uint32_t>(whole) << 16U) >> 16;
-    }
+        out[i] = static_cast<std::int32_t>(static_cast<std::uint32_t>(trunc_i32_select(values[i])) << 16U) >> 16;
 }
 } // namespace
 
@@ -27,8 +24,8 @@ void curve::waves(const float* __restrict t, float* __restrict out, std::int32_t
 {
     const std::int32_t width = step_;
     const auto step = static_cast<float>(step_);
-    const auto last = static_cast<std::int32_t>(
-        std::min<std::int64_t>(count_ - 1, std::numeric_limits<std::int16_t>::max()));
+    const auto last =
+        static_cast<std::int32_t>(std::min<std::int64_t>(count_ - 1, std::numeric_limits<std::int16_t>::max()));
     float place[kBlock];
     std::int32_t index[kBlock];
     for (int i = 0; i < kBlock; ++i)
@@ -39,6 +36,11 @@ void curve::waves(const float* __restrict t, float* __restrict out, std::int32_t
         there[i] = (index[i] >= 0 ? -1 : 0) & (index[i] <= last ? -1 : 0);
         index[i] &= there[i];
     }
+
+    std::int32_t highest = 0;
+    for (int i = 0; i < kBlock; ++i)
+        highest = index[i] > highest ? index[i] : highest;
+    need_samples(highest + 2);
 
     float before[kBlock];
     float after[kBlock];

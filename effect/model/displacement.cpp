@@ -26,12 +26,18 @@ displacement_plan::line* plan_lines(mem_pool* pool, A_long count, A_long matte_s
 
 displacement_plan* plan_displacement(frame_data& frame) noexcept
 {
+    const PF_LayerDef& input = frame.params[0]->u.ld;
+    constexpr A_long kWidest = 16384; // pixels, of the input; half of what a displaced position may be
+    constexpr PF_Fixed kFarthest = kWidest * 65536;
+    const auto near = [](PF_Fixed by) { return by > -kFarthest && by < kFarthest; };
+    if (input.width > kWidest || input.height > kWidest || !near(frame.displaceX) || !near(frame.displaceY))
+        return nullptr;
     auto* const plan = pool_array_used<displacement_plan>(frame.pool, 1, 0);
     if (plan == nullptr)
         return nullptr;
     plan->frame = &frame;
-    plan->width = frame.params[0]->u.ld.width;
-    plan->height = frame.params[0]->u.ld.height;
+    plan->width = input.width;
+    plan->height = input.height;
     plan->columns = plan_lines(frame.pool, plan->width, frame.scratch.width, frame.displaceX);
     plan->rows = plan_lines(frame.pool, plan->height, frame.scratch.height, frame.displaceY);
     for (int alpha = 0; alpha < 256; ++alpha)
@@ -94,6 +100,6 @@ PF_Err displace_img_planned(void* refcon, A_long x, A_long y, PF_Pixel* in, PF_P
     frame.sampling.src = frame.input;
     const float to_y = row.place + plan.shift_y[out->alpha];
     const float to_x = column.place + plan.shift_x[out->alpha];
-    return subpixel_sample(in_data->effect_ref, trunc_i32(static_cast<double>(to_x)),
-                           trunc_i32(static_cast<double>(to_y)), &frame.sampling, out);
+    return subpixel_sample(in_data->effect_ref, trunc_i32_fitting(to_x), trunc_i32_fitting(to_y), &frame.sampling,
+                           out);
 }

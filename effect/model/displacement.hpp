@@ -30,7 +30,8 @@ struct displacement_plan
     float shift_y[256];
 };
 
-// For the frame's matte as it is now; null where the pool has no room.
+// For the frame's matte as it is now; null where the pool has no room, or displaced positions are not sure to fit
+// 16.16.
 displacement_plan* plan_displacement(frame_data& frame) noexcept;
 
 // The same as displace_img, call by call: `refcon` is the plan.

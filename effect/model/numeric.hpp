@@ -14,6 +14,20 @@ constexpr std::int32_t trunc_i32(double v) noexcept
     return std::numeric_limits<std::int32_t>::min();
 }
 
+// trunc_i32 of a float without a branch, so that a loop of them can be done in lanes.
+constexpr std::int32_t trunc_i32_select(float v) noexcept
+{
+    constexpr float kEnd = 2147483648.0f;
+    const float below = v < kEnd ? v : -kEnd; // of what is no number, too
+    return static_cast<std::int32_t>(below >= -kEnd ? below : -kEnd);
+}
+
+// The same of a value that is known to fit: less than 2^31 either way.
+constexpr std::int32_t trunc_i32_fitting(float v) noexcept
+{
+    return static_cast<std::int32_t>(v);
+}
+
 // The low 16 bits of trunc_i32, signed: 0 for what does not fit 32 bits.
 constexpr std::int16_t trunc_i16(double v) noexcept
 {

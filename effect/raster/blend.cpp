@@ -70,8 +70,7 @@ public:
             const float v = start_ + length_ * shares[i];
             // Less a hundred thousandth above 254 is above 254: the next single-precision number is farther off.
             const float rounded = v > 254.0f ? 255.0f : v;
-            const float number = rounded == rounded ? rounded : 0.0f; // below 2^31 either way
-            out[i] = static_cast<std::int32_t>(number) & 255;
+            out[i] = trunc_i32_fitting(rounded == rounded ? rounded : 0.0f) & 255;
         }
     }
 

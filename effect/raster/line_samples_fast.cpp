@@ -37,7 +37,8 @@ public:
         place();
         widen();
         if (!s_.one_color)
-            blend_colors(s_.normal_color, s_.stressed_color, s_.normal_share, deviation_, s_.max_deviation, color_);
+            blend_colors(s_.normal_color, s_.stressed_color, s_.normal_share, deviation_, s_.max_deviation,
+                         color_);
         const float* const x = vertical_ ? cross_ : at_;
         const float* const y = vertical_ ? at_ : cross_;
         for (int i = 0; i < used_; ++i)
@@ -101,6 +102,8 @@ int sample_line_fast(const sp_line& line, const line_sampling& s, mem_pool* pool
         falling_values::fall(line) ? nullptr : pool_array_used<double>(pool, line.num_points, 0);
     falling_values values(line, highest);
     sample_block block(line, s, out);
+    double curve_pt_t::*const run = line.vertical != 0 ? &curve_pt_t::y : &curve_pt_t::x;
+    double curve_pt_t::*const across = line.vertical != 0 ? &curve_pt_t::x : &curve_pt_t::y;
     for (float c = s.first; static_cast<double>(c) > s.last; c -= s.step)
     {
         const int i = values.segment(c);
@@ -108,10 +111,7 @@ int sample_line_fast(const sp_line& line, const line_sampling& s, mem_pool* pool
             continue;
         const curve_pt_t& p0 = line.points[i - 1];
         const curve_pt_t& p1 = line.points[i];
-        if (line.vertical != 0)
-            block.add(c, p0.y, p1.y, p0.x, p1.x);
-        else
-            block.add(c, p0.x, p1.x, p0.y, p1.y);
+        block.add(c, p0.*run, p1.*run, p0.*across, p1.*across);
     }
     block.flush();
     if (highest != nullptr)

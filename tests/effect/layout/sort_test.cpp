@@ -132,3 +132,27 @@ TEST(sort_points, survives_numbers_that_are_none)
     std::sort(order.begin(), order.end());
     EXPECT_EQ(order, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
 }
+
+// Through another function the comparator is called; by itself it is known.
+TEST(sort_points, is_the_same_through_another_comparator)
+{
+    std::mt19937 random(23);
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    const double odd[] = {kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN(), 1e300, 3e9, -3e9, -0.0};
+    const point_comparator by_x = [](const void* a, const void* b) { return cmp_pt_x(a, b); };
+    const point_comparator by_y = [](const void* a, const void* b) { return cmp_pt_y(a, b); };
+    for (int n = 0; n < 2000; ++n)
+    {
+        std::vector<double> positions;
+        for (unsigned i = 0, count = random() % 200; i < count; ++i)
+            positions.push_back(n % 3 == 0 && random() % 8 == 0 ? odd[random() % 7]
+                                : n % 3 == 1                    ? i + static_cast<double>(random() % 64) / 16.0
+                                                                : static_cast<double>(random() % 300) / 17.0);
+        const bool along_y = n % 2 != 0;
+        const point_list points = numbered(positions, along_y);
+        const std::size_t room = n % 5 == 0 ? 0 : 1 << 16;
+        EXPECT_TRUE(equal(sorted(points, along_y ? cmp_pt_y : cmp_pt_x, room),
+                          sorted(points, along_y ? by_y : by_x, room)))
+            << n;
+    }
+}

@@ -187,10 +187,10 @@ TEST_F(displacement, planned_is_displacement_pixel_by_pixel)
     for (int round = 0; round < 60; ++round)
     {
         vector(static_cast<double>(random() % 360), static_cast<A_long>(random() % 6));
-        if (round % 10 == 9) // farther than any picture is wide, and past what 16.16 holds
+        if (round % 10 == 9) // farther than any picture is wide
         {
-            bench.frame.displaceX = static_cast<PF_Fixed>(random());
-            bench.frame.displaceY = static_cast<PF_Fixed>(random());
+            bench.frame.displaceX = static_cast<PF_Fixed>(random() >> 2) * (round % 20 == 9 ? 1 : -1);
+            bench.frame.displaceY = static_cast<PF_Fixed>(random() >> 2);
         }
         for (A_long y = 0; y < kInputHeight; ++y)
             for (A_long x = 0; x < kInputWidth; ++x)
@@ -231,4 +231,26 @@ TEST_F(displacement, is_not_planned_where_the_pool_is_short)
     bench.host.input().width = -5;
     EXPECT_EQ(plan_displacement(bench.frame), nullptr);
     *bench.frame.pool = whole;
+}
+
+TEST_F(displacement, is_not_planned_where_a_position_may_not_fit)
+{
+    vector(30.0, 3);
+    void* const mark = bench.frame.pool->next;
+    const auto planned = [&](A_long width, A_long height, PF_Fixed x, PF_Fixed y)
+    {
+        bench.host.input().width = width;
+        bench.host.input().height = height;
+        bench.frame.displaceX = x;
+        bench.frame.displaceY = y;
+        const bool made = plan_displacement(bench.frame) != nullptr;
+        pool_release(bench.frame.pool, mark);
+        return made;
+    };
+    constexpr PF_Fixed kFar = 16384 * 65536;
+    EXPECT_TRUE(planned(16384, 16384, kFar - 1, 1 - kFar));
+    EXPECT_FALSE(planned(16385, 1, 0, 0));
+    EXPECT_FALSE(planned(1, 16385, 0, 0));
+    EXPECT_FALSE(planned(1, 1, kFar, 0));
+    EXPECT_FALSE(planned(1, 1, 0, -kFar));
 }

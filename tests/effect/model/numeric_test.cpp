@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <random>
 
@@ -93,4 +94,27 @@ TEST(div_i32, never_traps)
     EXPECT_EQ(div_i32(kMin32, 0), 0);
     EXPECT_EQ(div_i32(kMin32, -1), kMin32);
     EXPECT_EQ(div_i32(kMin32, 1), kMin32);
+}
+
+TEST(trunc_i32_select, is_trunc_i32_of_every_kind_of_float)
+{
+    // Every 4099th float there is, and the ends of what fits.
+    const auto float_of = [](std::uint32_t bits)
+    {
+        float v = 0.0f;
+        std::memcpy(&v, &bits, sizeof v);
+        return v;
+    };
+    const auto same = [](float v) { return trunc_i32_select(v) == trunc_i32(static_cast<double>(v)); };
+    for (std::uint64_t bits = 0; bits <= 0xFFFFFFFFU; bits += 4099)
+        ASSERT_TRUE(same(float_of(static_cast<std::uint32_t>(bits)))) << bits;
+    for (const float end : {2147483648.0f, -2147483648.0f, 0.0f, 1.0f, -1.0f})
+        for (const float v : {std::nextafter(end, -1e30f), end, std::nextafter(end, 1e30f)})
+            EXPECT_TRUE(same(v)) << v;
+}
+
+TEST(trunc_i32_fitting, is_trunc_i32_below_2_to_the_31)
+{
+    for (const float v : {0.0f, -0.0f, 0.99f, -0.99f, 254.5f, -3.7f, 2147483520.0f, -2147483520.0f})
+        EXPECT_EQ(trunc_i32_fitting(v), trunc_i32(static_cast<double>(v))) << v;
 }

@@ -62,7 +62,11 @@ bool same(const StrokePoint& a, const StrokePoint& b)
 line_sampling random_sampling(std::mt19937& gen)
 {
     const float steps[] = {1.0f, 0.5f, 1.0f / 3.0f, 0.125f};
-    const float odd[] = {0.0f, -0.0f, 1e38f, 1e-40f, std::numeric_limits<float>::infinity(),
+    const float odd[] = {0.0f,
+                         -0.0f,
+                         1e38f,
+                         1e-40f,
+                         std::numeric_limits<float>::infinity(),
                          std::numeric_limits<float>::quiet_NaN()};
     const auto strange = [&](float usual) { return gen() % 10 == 0 ? odd[gen() % 6] : usual; };
     line_sampling s{};
@@ -167,8 +171,9 @@ TEST(line_samples, colours_in_blocks_are_those_blended_one_by_one)
         line_sampling s = random_sampling(gen);
         float deviation[kBlendBlock];
         for (float& d : deviation)
-            d = gen() % 10 == 0 ? odd[gen() % 8]
-                                : static_cast<float>(real(gen, 0.0, 1.1)) * (round % 3 == 0 ? 10.0f : s.max_deviation);
+            d = gen() % 10 == 0
+                    ? odd[gen() % 8]
+                    : static_cast<float>(real(gen, 0.0, 1.1)) * (round % 3 == 0 ? 10.0f : s.max_deviation);
         PF_Pixel got[kBlendBlock];
         blend_colors(s.normal_color, s.stressed_color, s.normal_share, deviation, s.max_deviation, got);
         for (int i = 0; i < kBlendBlock; ++i)
