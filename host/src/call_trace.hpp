@@ -22,6 +22,8 @@ public:
     }
 
     bool logging() const { return log_ != nullptr; }
+    // Whether calls leave no trace at all.
+    bool idle() const { return log_ == nullptr && fail_ == nullptr && !timed_; }
     // Adds a line and answers its place; a result that is known later is added to the line there.
     std::size_t note(std::string line);
     void add_to(std::size_t line, const std::string& text);
@@ -66,8 +68,16 @@ private:
 class effect_time
 {
 public:
-    explicit effect_time(call_trace& trace) : trace_(trace) { trace_.leave_host(); }
-    ~effect_time() { trace_.enter_host(); }
+    explicit effect_time(call_trace& trace) : trace_(trace)
+    {
+        if (trace_.timed())
+            trace_.leave_host();
+    }
+    ~effect_time()
+    {
+        if (trace_.timed())
+            trace_.enter_host();
+    }
     effect_time(const effect_time&) = delete;
     effect_time& operator=(const effect_time&) = delete;
 

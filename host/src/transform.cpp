@@ -1,5 +1,8 @@
 #include "transform.hpp"
 
+#include "map_row.hpp"
+
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -188,23 +191,127 @@ PF_Pixel exposed(const std::vector<back_map>& maps, sampler sample, const PF_Eff
     return sum.mean(maps.size());
 }
 
-void map_rows(const blend& how, sampler sample, const PF_EffectWorld& src, const std::vector<back_map>& maps,
-              const PF_Rect& area, const PF_EffectWorld& dst)
+// The first column of begin to end from which on `reached` is true; it never turns back to false. End where it
+// never is.
+template <class Reached>
+int first_column(int begin, int end, Reached reached)
 {
-    const simd_level level = chosen_simd_level();
+    while (begin < end)
+    {
+        const int middle = begin + (end - begin) / 2;
+        if (reached(middle))
+            end = middle;
+        else
+            begin = middle + 1;
+    }
+    return begin;
+}
+
+struct columns
+{
+    int begin, end;
+};
+
+// The columns whose position along one axis, 16.16, is at least 0 and below `limit`. Positions never turn back
+// along a row: multiplication by a constant and addition of one keep the order of what they round.
+columns columns_within(double step, double part, double offset, double limit, columns all)
+{
+    const auto scaled = [=](int column)
+    { return (((step * (column + 0.5) + part) + offset) - 0.5) * 65536.0 + 0.5; };
+    const auto past = [=](double bound)
+    { return first_column(all.begin, all.end, [=](int column) { return scaled(column) >= bound; }); };
+    const auto under = [=](double bound)
+    { return first_column(all.begin, all.end, [=](int column) { return scaled(column) < bound; }); };
+    return step >= 0.0 ? columns{past(0.0), past(limit)} : columns{under(limit), under(0.0)};
+}
+
+// One row of samples after the other, at one level.
+class row_sampler
+{
+public:
+    row_sampler(simd_level level, PF_Quality quality, const PF_EffectWorld& src, const back_map& map)
+        : level_(level), fine_(quality >= PF_Quality_HI), sample_(sampler_for(quality)), src_(src), map_(map),
+          fast_(level_ != simd_level::scalar && positions_fit()), whole_(moves_by_whole_pixels(map))
+    {
+    }
+
+    // The row's samples for the columns from `all.begin` on.
+    void row(int row, columns all, PF_Pixel* out) const
+    {
+        columns inside{all.begin, all.begin};
+        if (fast_)
+            inside = run(row, all, out);
+        one_by_one(row, {all.begin, inside.begin}, out);
+        one_by_one(row, {inside.end, all.end}, out + (inside.end - all.begin));
+    }
+
+private:
+    // Positions within the source are 32-bit numbers, and no step on the way to one is infinite.
+    bool positions_fit() const
+    {
+        const auto moderate = [](double value) { return value > -1e12 && value < 1e12; };
+        return src_.width < 32768 && src_.height < 32768 && moderate(map_.xx) && moderate(map_.yx) &&
+               moderate(map_.ox) && moderate(map_.xy) && moderate(map_.yy) && moderate(map_.oy);
+    }
+
+    // one_by_one(row, ...) for the columns, answered, whose samples lie well inside the source.
+    columns run(int row, columns all, PF_Pixel* out) const
+    {
+        const double y = row + 0.5;
+        const row_map map{map_.xx, map_.yx * y, map_.ox, map_.xy, map_.yy * y, map_.oy};
+        const auto limit = [](int size) { return 65536.0 * (size - 1); };
+        const columns across = columns_within(map.xx, map.yx_y, map.ox, limit(src_.width), all);
+        const columns down = columns_within(map.xy, map.yy_y, map.oy, limit(src_.height), all);
+        const columns inside{std::max(across.begin, down.begin), std::min(across.end, down.end)};
+        const int count = inside.end - inside.begin;
+        if (count < shortest_mapped_run)
+            return {all.begin, all.begin};
+        PF_Pixel* const first = out + (inside.begin - all.begin);
+        if (whole_)
+            std::copy_n(row_of(src_, row + static_cast<int>(map_.oy)) + (inside.begin + static_cast<int>(map_.ox)),
+                        count, first);
+        else
+            sample_run(map, inside.begin, count, first);
+        return inside;
+    }
+
+    void sample_run(const row_map& map, int column, int count, PF_Pixel* out) const
+    {
+#if defined(__x86_64__)
+        if (level_ == simd_level::avx2)
+            return (fine_ ? bilinear_row_avx2 : nearest_row_avx2)(src_, map, column, count, out);
+#endif
+        (fine_ ? bilinear_row_sse2 : nearest_row_sse2)(src_, map, column, count, out);
+    }
+
+    void one_by_one(int row, columns these, PF_Pixel* out) const
+    {
+        for (int column = these.begin; column < these.end; ++column)
+            *out++ = sample_(src_, map_.source_x(column + 0.5, row + 0.5), map_.source_y(column + 0.5, row + 0.5));
+    }
+
+    simd_level level_;
+    bool fine_;
+    sampler sample_;
+    const PF_EffectWorld& src_;
+    const back_map& map_;
+    bool fast_;
+    bool whole_; // sample_run copies
+};
+
+void map_rows(simd_level level, const blend& how, PF_Quality quality, const PF_EffectWorld& src,
+              const std::vector<back_map>& maps, const PF_Rect& area, const PF_EffectWorld& dst)
+{
+    const row_sampler sampler(level, quality, src, maps[0]);
     std::vector<PF_Pixel> samples(static_cast<std::size_t>(area.right - area.left));
     for (int row = area.top; row < area.bottom; ++row)
     {
-        const double y = row + 0.5;
-        for (int column = area.left; column < area.right; ++column)
-        {
-            const double x = column + 0.5;
-            PF_Pixel& out = samples[static_cast<std::size_t>(column - area.left)];
-            if (maps.size() > 1)
-                out = exposed(maps, sample, src, x, y);
-            else
-                out = sample(src, maps[0].source_x(x, y), maps[0].source_y(x, y));
-        }
+        if (maps.size() == 1)
+            sampler.row(row, {area.left, area.right}, samples.data());
+        else
+            for (int column = area.left; column < area.right; ++column)
+                samples[static_cast<std::size_t>(column - area.left)] =
+                    exposed(maps, sampler_for(quality), src, column + 0.5, row + 0.5);
         blend_row_at(level, how, samples.data(), row_of(dst, row) + area.left, area.right - area.left);
     }
 }
@@ -226,7 +333,7 @@ std::vector<PF_Pixel> masked(const PF_EffectWorld& src, const PF_MaskWorld* mask
 } // namespace
 
 void transform_onto(const blend& how, PF_Quality quality, const PF_EffectWorld& src, const PF_MaskWorld* mask,
-                    const transform& map, const PF_Rect* dest_rect, const PF_EffectWorld& dst)
+                    const transform& map, const PF_Rect* dest_rect, const PF_EffectWorld& dst, simd_level level)
 {
     std::vector<back_map> maps;
     bool any = false;
@@ -251,13 +358,13 @@ void transform_onto(const blend& how, PF_Quality quality, const PF_EffectWorld& 
 
     if (how.mode != PF_Xfer_COPY && maps.size() == 1 && moves_by_whole_pixels(maps[0]))
     {
-        // map_rows(how, sampler_for(quality), readable, maps, area, dst): pixels outside the source change
+        // map_rows(level, how, quality, readable, maps, area, dst): pixels outside the source change
         // nothing.
         const PF_Rect from{area.left + static_cast<int>(maps[0].ox), area.top + static_cast<int>(maps[0].oy),
                            area.right + static_cast<int>(maps[0].ox), area.bottom + static_cast<int>(maps[0].oy)};
-        transfer(how, readable, &from, nullptr, dst, area.left, area.top);
+        transfer(how, readable, &from, nullptr, dst, area.left, area.top, level);
         return;
     }
-    map_rows(how, sampler_for(quality), readable, maps, area, dst);
+    map_rows(level, how, quality, readable, maps, area, dst);
 }
 } // namespace host

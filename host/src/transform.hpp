@@ -36,5 +36,6 @@ struct transform
 // inverted samples nothing; if that goes for all of them nothing is drawn. The mask's alpha weighs the source's
 // pixels before they are sampled (rounded to nearest).
 void transform_onto(const blend& how, PF_Quality quality, const PF_EffectWorld& src, const PF_MaskWorld* mask,
-                    const transform& map, const PF_Rect* dest_rect, const PF_EffectWorld& dst);
+                    const transform& map, const PF_Rect* dest_rect, const PF_EffectWorld& dst,
+                    simd_level level = chosen_simd_level());
 } // namespace host

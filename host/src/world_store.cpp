@@ -77,9 +77,11 @@ const world_store::record* world_store::find(const PF_EffectWorld* world) const
         return nullptr;
     if (world->data)
     {
+        if (found_last_ && found_last_->data == world->data)
+            return found_last_;
         for (auto entry = records_.rbegin(); entry != records_.rend(); ++entry)
             if (entry->data == world->data)
-                return &*entry;
+                return found_last_ = &*entry;
         return nullptr;
     }
     const auto place = reinterpret_cast<std::uintptr_t>(world->platform_ref);

@@ -50,6 +50,7 @@ private:
     findings& found_;
     memory_reserve* const reserve_;
     std::deque<record> records_;
+    mutable const record* found_last_ = nullptr; // an effect asks for the same one pixel after pixel
     int made_ = 0;
 };
 } // namespace host

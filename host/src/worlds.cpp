@@ -139,13 +139,12 @@ unsigned mask_alpha(const PF_MaskWorld* mask, int x, int y)
 }
 
 void transfer(const blend& how, const PF_EffectWorld& src, const PF_Rect* src_rect, const PF_MaskWorld* mask,
-              const PF_EffectWorld& dst, int dest_x, int dest_y)
+              const PF_EffectWorld& dst, int dest_x, int dest_y, simd_level level)
 {
     const PF_Rect from = whole(src_rect, src);
     const placement place =
         clipped({from.left, from.top, dest_x, dest_y, width_of(from), height_of(from)}, src, dst);
     const stable_source source(src, dst);
-    const simd_level level = chosen_simd_level();
     each_row(place, source.world(), dst,
              [&](const PF_Pixel* in, PF_Pixel* out, int count, int x, int y)
              {

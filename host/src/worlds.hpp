@@ -45,7 +45,7 @@ void copy_world(const PF_EffectWorld& src, const PF_Rect* src_rect, const PF_Eff
 // Lays the source rectangle on the destination, its top-left at (dest_x, dest_y). The mask's alpha weighs the
 // source; mask pixel (0, 0) lies over the source pixel at `offset`, and outside the mask nothing is laid.
 void transfer(const blend& how, const PF_EffectWorld& src, const PF_Rect* src_rect, const PF_MaskWorld* mask,
-              const PF_EffectWorld& dst, int dest_x, int dest_y);
+              const PF_EffectWorld& dst, int dest_x, int dest_y, simd_level level = chosen_simd_level());
 
 // A mask's alpha over a source pixel, 255 without a mask.
 unsigned mask_alpha(const PF_MaskWorld* mask, int x, int y);

@@ -199,6 +199,77 @@ TEST(transform_onto, is_the_reference_for_every_kind_of_matrix)
     }
 }
 
+// Worlds wide enough for runs of samples: what lines look like, flat cover, and anything at all.
+void draw(padded_world& world, int kind, std::mt19937& random)
+{
+    world.scatter(random);
+    for (int y = 0; y < world.world().height; ++y)
+        for (int x = 0; x < world.world().width; ++x)
+        {
+            PF_Pixel& pixel = world.at(x, y);
+            if (kind == 0 && (x + 2 * y) % 40 > 9)
+                pixel = {0, pixel.red, 0, 0};
+            if (kind == 1)
+                pixel.alpha = y < 30 ? 255 : 77;
+            if (kind == 2 && random() % 3 != 0)
+                pixel.alpha = static_cast<A_u_char>(random() % 4);
+        }
+}
+
+TEST(transform_onto, is_the_reference_at_every_level)
+{
+    std::mt19937 random(40);
+    const PF_FloatMatrix back[] = {
+        matrix(1, 0, 0, 1, 0, 0),
+        matrix(1, 0, 0, 1, 2.5, 0.25),
+        matrix(2, 0, 0, 2, 0, 0),
+        matrix(0.5, 0, 0, 0.5, 1, 2),
+        matrix(-1, 0, 0, 1, 120, 0),
+        matrix(-0.7, 0, 0, -0.3, 99, 60),
+        rotation(30, 60, 40),
+        rotation(90, 60, 40),
+        rotation(-133.7, 50, 44, 0.6),
+        rotation(0.01, 0, 0),
+        matrix(0, 1, 0.9, 0.25, 3, 1.5),
+        matrix(1, 0.4, -0.3, 1.2, 1, 2.2),
+        matrix(1e-12, 0, 0, 1, 9, 5),
+        matrix(1, 0, 0, 1, -200.5, 0),
+        matrix(1, 0, 1e13, 1, 0.5, 0.5),
+    };
+    for (const host::simd_level level : {host::simd_level::scalar, host::simd_level::sse2, host::simd_level::avx2})
+    {
+        if (!host::machine_has(level))
+            continue;
+        int number = 0;
+        for (const PF_FloatMatrix& to_source : back)
+        {
+            ++number;
+            for (int kind = 0; kind < 4; ++kind)
+                for (const PF_Quality quality : {PF_Quality_LO, PF_Quality_HI})
+                {
+                    padded_world src(120, 83), dst(133, 90);
+                    draw(src, kind, random);
+                    dst.scatter(random);
+                    padded_world expected(dst);
+                    const PF_Rect rect{1, 0, 132, 90};
+                    const host::blend how{kind % 2 ? PF_Xfer_COPY : PF_Xfer_IN_FRONT};
+                    if (number == 15) // its positions do not fit the reference's integers
+                    {
+                        host::transform_onto(how, quality, src.world(), nullptr, {&to_source, 1, false}, &rect,
+                                             expected.world(), host::simd_level::scalar);
+                    }
+                    else
+                        reference(how, quality, src, to_source, rect, expected);
+                    host::transform_onto(how, quality, src.world(), nullptr, {&to_source, 1, false}, &rect,
+                                         dst.world(), level);
+                    ASSERT_EQ(dst.difference(expected), "")
+                        << "level " << static_cast<int>(level) << " matrix " << number << " kind " << kind
+                        << " quality " << quality;
+                }
+        }
+    }
+}
+
 TEST(transform_onto, goes_forward_where_the_matrix_maps_the_source)
 {
     std::mt19937 random(5);
