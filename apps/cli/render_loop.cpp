@@ -108,9 +108,11 @@ std::int32_t render_all(render_plan& plan, const host::plugin& effect, media::wr
 {
     frame_feed feed(plan);
     frame_drain drain(plan, output, shown);
+    std::function<bool(std::int32_t, host::image_view)> source;
+    if (plan.input)
+        source = [&](std::int32_t frame, host::image_view into) { return feed.fill(frame, into); };
     return host::render_frames(
-        effect, plan.comp, plan.values, plan.range, plan.jobs,
-        [&](std::int32_t frame, host::image_view into) { return feed.fill(frame, into); },
+        effect, plan.comp, plan.values, plan.range, plan.jobs, source,
         [&](std::int32_t frame, host::const_image_view) { drain.take(frame); }, &stop_requested(), {},
         [&](std::int32_t frame, host::image_view drawn) { drain.prepare(frame, drawn); });
 }

@@ -119,6 +119,8 @@ private:
             pictures = spare();
             pictures->failure = nullptr;
             pictures->log.clear();
+            if (!source_)
+                return pictures;
             const image_view input = slot::view_of(pictures->input);
             if (pictures->used)
                 std::memset(input.argb, 0,

@@ -271,6 +271,24 @@ TEST(render_frames, of_an_empty_range_are_none)
     EXPECT_EQ(last.sinks, (std::vector<std::int32_t>{2147483646, 2147483647}));
 }
 
+TEST(render_frames, have_a_transparent_input_without_a_source)
+{
+    const scripted::scripts use(shift_red);
+    const host::plugin effect(scripted::entry, "scripted");
+    const host::param_tracks values(effect.params());
+    for (const int jobs : {1, 3})
+    {
+        int wrong = 0;
+        const auto sink = [&](std::int32_t frame, host::const_image_view output)
+        {
+            for (int i = 0; i < 12 * 9 * 4; ++i)
+                wrong += output.argb[i] != (i % 4 == 1 ? frame : 0);
+        };
+        EXPECT_EQ(host::render_frames(effect, scripted::small_comp(), values, {0, 20}, jobs, {}, sink), 21);
+        EXPECT_EQ(wrong, 0);
+    }
+}
+
 TEST(render_frames, need_a_job)
 {
     EXPECT_EQ(carried_out({{0, 1}, 0}).error, "0 jobs cannot render anything; give 1 or more");
