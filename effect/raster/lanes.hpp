@@ -1,17 +1,24 @@
 #pragma once
 // Eight neighbouring values worked on at once, in the compiler's own vector types: the same operations, each
-// rounded alike, on every processor.
+// rounded alike, on every processor. All of it is internal to the file that includes it, since each level of
+// instructions compiles its own.
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
-#if defined(__SSE2__)
+#if defined(__AVX2__)
+#include <immintrin.h>
+#elif defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
+namespace
+{
 constexpr int kLanes = 8;
 using float_lanes = float __attribute__((vector_size(32)));
 using int_lanes = std::int32_t __attribute__((vector_size(32)));
+constexpr int_lanes kLaneNumbers = {0, 1, 2, 3, 4, 5, 6, 7};
 
 inline float_lanes all_lanes(float v) noexcept
 {
@@ -24,7 +31,7 @@ inline int_lanes all_lanes(std::int32_t v) noexcept
 }
 
 template <class Lanes, class T>
-Lanes load_lanes(const T* from) noexcept
+inline Lanes load_lanes(const T* from) noexcept
 {
     static_assert(sizeof(Lanes) == kLanes * sizeof(T));
     Lanes lanes;
@@ -32,10 +39,21 @@ Lanes load_lanes(const T* from) noexcept
     return lanes;
 }
 
+template <class Lanes, class T>
+inline void store_lanes(T* to, Lanes lanes) noexcept
+{
+    static_assert(sizeof(Lanes) == kLanes * sizeof(T));
+    std::memcpy(to, &lanes, sizeof lanes);
+}
+
 // Bit i is set where lane i of a comparison holds.
 inline unsigned lane_bits(int_lanes mask) noexcept
 {
-#if defined(__SSE2__)
+#if defined(__AVX2__)
+    __m256 lanes;
+    std::memcpy(&lanes, &mask, sizeof lanes);
+    return static_cast<unsigned>(_mm256_movemask_ps(lanes));
+#elif defined(__SSE2__)
     __m128 halves[2];
     std::memcpy(halves, &mask, sizeof halves);
     return static_cast<unsigned>(_mm_movemask_ps(halves[0])) | static_cast<unsigned>(_mm_movemask_ps(halves[1]))
@@ -47,3 +65,79 @@ inline unsigned lane_bits(int_lanes mask) noexcept
     return bits;
 #endif
 }
+
+// All ones in lane i where bit i is set.
+inline int_lanes lanes_of_bits(unsigned bits) noexcept
+{
+    constexpr int_lanes kBits = {1, 2, 4, 8, 16, 32, 64, 128};
+    return (all_lanes(static_cast<std::int32_t>(bits)) & kBits) != 0;
+}
+
+// Square roots, correctly rounded.
+inline float_lanes root(float_lanes v) noexcept
+{
+#if defined(__AVX2__)
+    __m256 lanes;
+    std::memcpy(&lanes, &v, sizeof lanes);
+    lanes = _mm256_sqrt_ps(lanes);
+    std::memcpy(&v, &lanes, sizeof v);
+#elif defined(__SSE2__)
+    __m128 halves[2];
+    std::memcpy(halves, &v, sizeof halves);
+    halves[0] = _mm_sqrt_ps(halves[0]);
+    halves[1] = _mm_sqrt_ps(halves[1]);
+    std::memcpy(&v, halves, sizeof v);
+#else
+    for (int i = 0; i < kLanes; ++i)
+        v[i] = std::sqrt(v[i]);
+#endif
+    return v;
+}
+
+inline float_lanes lower_of(float_lanes a, float_lanes b) noexcept
+{
+    return a < b ? a : b;
+}
+
+inline float_lanes higher_of(float_lanes a, float_lanes b) noexcept
+{
+    return a > b ? a : b;
+}
+
+inline float_lanes magnitude(float_lanes v) noexcept
+{
+    int_lanes bits;
+    std::memcpy(&bits, &v, sizeof bits);
+    bits &= 0x7fffffff;
+    std::memcpy(&v, &bits, sizeof v);
+    return v;
+}
+
+// Toward zero; every lane within 32 bits.
+inline int_lanes whole(float_lanes v) noexcept
+{
+    return __builtin_convertvector(v, int_lanes);
+}
+
+// Lane i is from[at[i]].
+inline float_lanes gather(const float* from, int_lanes at) noexcept
+{
+#if defined(__AVX2__)
+    __m256i places;
+    std::memcpy(&places, &at, sizeof places);
+    const __m256 found = _mm256_i32gather_ps(from, places, 4);
+    float_lanes lanes;
+    std::memcpy(&lanes, &found, sizeof lanes);
+    return lanes;
+#else
+    return float_lanes{from[at[0]], from[at[1]], from[at[2]], from[at[3]],
+                       from[at[4]], from[at[5]], from[at[6]], from[at[7]]};
+#endif
+}
+
+inline int_lanes gather(const std::int32_t* from, int_lanes at) noexcept
+{
+    return int_lanes{from[at[0]], from[at[1]], from[at[2]], from[at[3]],
+                     from[at[4]], from[at[5]], from[at[6]], from[at[7]]};
+}
+} // namespace

@@ -1,12 +1,19 @@
 #pragma once
 // Which of a stroke's places each pixel of a tile is nearest to, exactly as a search through all of them finds it:
-// the smallest squared distance in single precision, the first of equals.
+// the smallest squared distance in single precision, the first of equals. Internal to the file that includes it,
+// as lanes are.
 
 #include "effect/raster/line_creator.hpp"
 #include "effect/raster/stroke_candidates.hpp"
 #include "effect/raster/stroke_tile.hpp"
 #include "effect/raster/swept_boxes.hpp"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace
+{
 // How far a pixel can be from what it takes its value from, with a margin for rounding: a nearest place farther
 // off writes nothing, so that it need not be told from none.
 struct stroke_reach
@@ -15,48 +22,200 @@ struct stroke_reach
     float distance = 0.0f;
 
     // Of a stroke whose largest radius (NaN aside) is `widest`.
-    explicit stroke_reach(float widest) noexcept;
+    explicit stroke_reach(float widest) noexcept
+    {
+        constexpr double kMargin = 1.00001;
+        const double radius = static_cast<double>(widest);
+        const double reach = (radius > 0.0 ? radius * kMargin : radius / kMargin) + 1.01;
+        if (!(reach > 0.0))
+            return;
+        const double most = reach * reach * kMargin;
+        squared = most < static_cast<double>(nearest_sample::kNowhere) ? static_cast<float>(most)
+                                                                       : nearest_sample::kNowhere;
+        distance = std::sqrt(squared) * 1.0001f + 0.01f;
+    }
+};
+
+// What the lanes of one row of a tile are nearest to.
+struct nearest_lanes
+{
+    int_lanes place; // -1 where none is in reach
+    float_lanes squared;
 };
 
 class nearest_place
 {
 public:
-    // `places` are ascending; `corners` are two arrays of a number for each row, the second all -1.
-    nearest_place(const LineCreatorClass& creator, const stroke_candidates& places, stroke_reach reach, int across,
-                  std::int32_t* corner, std::int32_t* corner_at) noexcept
-        : creator_(creator), places_(places), reach_(reach), across_(across), corner_(corner),
-          corner_at_(corner_at)
+    // `places` are ascending.
+    nearest_place(const stroke_candidates& places, stroke_reach reach, int across) noexcept
+        : places_(places), reach_(reach), across_(across)
     {
     }
 
-    // Sets the candidates in reach of the tile. Tiles come in ascending order.
-    void enter(stroke_tile& t) noexcept;
+    // Sets the candidates and the rows in reach of the tile. Tiles come in ascending order.
+    void enter(stroke_tile& t) noexcept
+    {
+        const float low = static_cast<float>(t.at) + 0.5f - reach_.distance;
+        const float high = static_cast<float>(t.at + kLanes) + 0.5f + reach_.distance;
+        while (window_begin_ < places_.count && places_.main[window_begin_] < low)
+            ++window_begin_;
+        window_end_ = std::max(window_end_, window_begin_);
+        while (window_end_ < places_.count && places_.main[window_end_] <= high)
+            ++window_end_;
+        t.begin = window_begin_;
+        t.end = window_end_;
+        t.reach = rows_in_reach(t);
+        t.hint = -1;
+    }
 
-    // The rows in which a pixel of the tile can be in reach of a candidate.
-    span rows_in_reach(const stroke_tile& t) const noexcept;
-
-    // For one row of the tile: each lane's nearest place and its squared distance, -1 where none is in reach.
-    void search(const stroke_tile& t, int row, int_lanes* found, float_lanes* squared) noexcept;
-
-    // Whether a pixel in this row, with this window, looks at place j at all.
-    bool counts(index_window w, int row, int j) const noexcept;
-
-    // The search with every condition, for the rare pixel whose nearest place does not count for it.
-    int search_counting(index_window w, int at, int row, float* squared) const noexcept;
+    // For one row of the tile.
+    nearest_lanes search(stroke_tile& t, int row) noexcept
+    {
+        int begin = t.begin;
+        int end = t.end;
+        if (end - begin > kWideWindow)
+            narrow(t, row, &begin, &end);
+        const float center = static_cast<float>(row) + 0.5f;
+        float_lanes best = all_lanes(reach_.squared);
+        int_lanes place = all_lanes(0); // a number more than the place's
+        for (int j = begin; j < end; ++j)
+        {
+            const float dc = center - places_.cross[j];
+            const float_lanes dm = t.centers - places_.main[j];
+            const float_lanes q = dm * dm + dc * dc;
+            const int_lanes nearer = q < best;
+            const int_lanes number = nearer & (j + 1);
+            best = lower_of(q, best);
+            place = number > place ? number : place;
+        }
+        return {place - 1, best};
+    }
 
 private:
-    void narrow(const stroke_tile& t, int row, int* begin, int* end) noexcept;
-    int nearest_on(const stroke_tile& t, int at, int row, int begin, int hint) const noexcept;
-    int place_from(int begin, int end, float main_at) const noexcept;
-    float slack_at(int j, int at, int row) const noexcept;
+    // Widths of candidate windows from which on it pays to look for the nearest place at a tile's corners first.
+    static constexpr int kWideWindow = 48;
 
-    const LineCreatorClass& creator_;
+    span rows_in_reach(const stroke_tile& t) const noexcept
+    {
+        const float middle = static_cast<float>(t.at) + 0.5f * static_cast<float>(kLanes);
+        const float half = 0.5f * static_cast<float>(kLanes - 1);
+        const float squared = reach_.squared * 1.0001f + 0.01f;
+        float_lanes first = all_lanes(static_cast<float>(across_));
+        float_lanes last = all_lanes(-1.0f);
+        int_lanes number = kLaneNumbers + t.begin;
+        for (int j = t.begin; j < t.end; j += kLanes, number += kLanes)
+        {
+            const auto cross = load_lanes<float_lanes>(places_.cross + j);
+            const float_lanes off =
+                higher_of(magnitude(load_lanes<float_lanes>(places_.main + j) - middle) - (half + 0.001f),
+                          all_lanes(0.0f));
+            const float_lanes left = squared - off * off;
+            const int_lanes near =
+                (left >= 0.0f) & (cross != stroke_candidates::kFarAway) & (number < t.end);
+            const float_lanes rise = root(higher_of(left, all_lanes(0.0f)));
+            first = near ? lower_of(first, cross - rise) : first;
+            last = near ? higher_of(last, cross + rise) : last;
+        }
+        for (int i = 1; i < kLanes; ++i)
+        {
+            first[0] = std::min(first[0], first[i]);
+            last[0] = std::max(last[0], last[i]);
+        }
+        if (last[0] < first[0])
+            return {across_, -1};
+        return {clamped(first[0] - 1.0f, across_), clamped(last[0] + 1.0f, across_)};
+    }
+
+    // Two places closer to each other along the main axis than this may change their order in a row by rounding
+    // alone, within a tile of the pixel whose nearest one is j: some sixteen ulps of the largest squared distance
+    // there.
+    float slack_at(int j, int at, int row) const noexcept
+    {
+        const float dm = static_cast<float>(at) + 0.5f - places_.main[j];
+        const float dc = static_cast<float>(row) + 0.5f - places_.cross[j];
+        const float farthest = std::sqrt(dm * dm + dc * dc) + 2.0f * static_cast<float>(kLanes);
+        return farthest * farthest * 2e-6f;
+    }
+
+    // Along a row the nearest place's main coordinate never falls, but for rounding: whatever lies between the
+    // nearest ones of the tile's first pixel and of the next tile's first is enough for the pixels between.
+    void narrow(stroke_tile& t, int row, int* begin, int* end) noexcept
+    {
+        const int from = corner_at_ == t.at && corner_row_ == row ? corner_ : nearest_on(t, t.at, row, t.begin, t.hint);
+        int lowest = t.begin;
+        if (from >= 0)
+        {
+            const float slack = slack_at(from, t.at, row);
+            lowest = from;
+            while (lowest > t.begin && places_.main[lowest - 1] >= places_.main[from] - slack)
+                --lowest;
+        }
+        const int to = nearest_on(t, t.at + kLanes, row, lowest, from >= 0 ? from : t.hint);
+        corner_ = to;
+        corner_at_ = t.at + kLanes;
+        corner_row_ = row;
+        int highest = t.end - 1;
+        if (to >= 0)
+        {
+            const float slack = slack_at(to, t.at + kLanes, row);
+            highest = to;
+            while (highest + 1 < t.end && places_.main[highest + 1] <= places_.main[to] + slack)
+                ++highest;
+            t.hint = to;
+        }
+        *begin = lowest;
+        *end = highest + 1;
+    }
+
+    // The nearest place to one pixel, from place `begin` on, -1 where none is in reach; the first of
+    // equals. `hint` is any place, better a near one.
+    int nearest_on(const stroke_tile& t, int at, int row, int begin, int hint) const noexcept
+    {
+        const float center_main = static_cast<float>(at) + 0.5f;
+        const float center_cross = static_cast<float>(row) + 0.5f;
+        int end = t.end;
+        if (hint >= t.begin && hint < t.end)
+        {
+            const float dm = center_main - places_.main[hint];
+            const float dc = center_cross - places_.cross[hint];
+            const float q = dm * dm + dc * dc;
+            if (q < reach_.squared)
+            {
+                const float off = std::sqrt(q) * 1.0001f + 0.001f;
+                begin = std::max(begin, places_.from(begin, t.end, center_main - off));
+                end = places_.from(begin, t.end, center_main + off);
+            }
+        }
+        float_lanes best = all_lanes(reach_.squared);
+        int_lanes found = all_lanes(std::numeric_limits<std::int32_t>::max());
+        int_lanes number = kLaneNumbers + begin;
+        for (int j = begin; j < end; j += kLanes, number += kLanes)
+        {
+            const float_lanes dm = center_main - load_lanes<float_lanes>(places_.main + j);
+            const float_lanes dc = center_cross - load_lanes<float_lanes>(places_.cross + j);
+            const float_lanes q = dm * dm + dc * dc;
+            const int_lanes nearer = q < best;
+            best = lower_of(q, best);
+            found = nearer ? number : found;
+        }
+        float nearest = reach_.squared;
+        int place = std::numeric_limits<std::int32_t>::max();
+        for (int i = 0; i < kLanes; ++i)
+            if (best[i] < nearest || (best[i] == nearest && found[i] < place))
+            {
+                nearest = best[i];
+                place = found[i];
+            }
+        return place < places_.count ? place : -1;
+    }
+
     const stroke_candidates& places_;
     stroke_reach reach_;
     int across_;
-    std::int32_t* corner_;    // per row: the place nearest to a pixel there
-    std::int32_t* corner_at_; // and that pixel's main position
+    int corner_ = -1; // the place nearest to a pixel, and that pixel
+    int corner_at_ = -1;
+    int corner_row_ = -1;
     int window_begin_ = 0;
     int window_end_ = 0;
-    int hint_ = -1;
 };
+} // namespace

@@ -1,6 +1,6 @@
 #pragma once
 // The search for the nearest place without a list of places: for strokes whose samples are out of order along the
-// main axis, and where there is no memory for the list.
+// main axis, and where there is no memory for the list. Internal to the file that includes it, as lanes are.
 
 #include "effect/raster/line_creator.hpp"
 #include "effect/raster/nearest_place.hpp"
@@ -11,6 +11,8 @@
 #include <bit>
 #include <cmath>
 
+namespace
+{
 class sample_search
 {
 public:
@@ -205,3 +207,4 @@ private:
     int_lanes sample_{};
     int_lanes place_{}; // 0 for the sample itself, else the position's number in the bridge to it
 };
+} // namespace

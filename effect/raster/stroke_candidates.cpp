@@ -3,9 +3,15 @@
 #include "effect/raster/line_creator.hpp"
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 
 namespace
 {
+constexpr float kGentle = 1.19f;       // a step across that is no steeper has no bridge
+constexpr float kEvenWithin = 0.01f;   // pixels
+constexpr float kEvenBelow = 65536.0f; // where single precision tells hundredths of a pixel apart
+
 // Numbers of the bridge's positions whose cross coordinate lies in [low, high]: from .first up to but not .second.
 // Positions run evenly from one sample to the other, so that the numbers are found by halving.
 struct numbers
@@ -39,17 +45,17 @@ numbers within(const gap_bridge& bridge, bool along_y, float low, float high) no
 }
 } // namespace
 
-bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int last, float reach,
+bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int last, float reach, bool colors,
                                 scratch_memory& memory) noexcept
 {
     const bool along_y = creator.axis == 1;
     const int k = creator.samplesPerPixel;
     const auto across = static_cast<float>(along_y ? creator.width : creator.height);
-    constexpr std::uint64_t kBytesEach = 5 * sizeof(float);
-    constexpr std::uint64_t kSlack = 5 * 32 + kPadding * kBytesEach;
-    if (memory.left() < kSlack)
+    const std::uint64_t bytes_each = (colors ? 6 : 5) * sizeof(float);
+    const std::uint64_t slack = 6 * 32 + kPadding * bytes_each;
+    if (memory.left() < slack)
         return false;
-    const std::uint64_t fits = std::min<std::uint64_t>((memory.left() - kSlack) / kBytesEach, 1U << 30U);
+    const std::uint64_t fits = std::min<std::uint64_t>((memory.left() - slack) / bytes_each, 1U << 30U);
     const auto room = static_cast<std::int64_t>(fits);
     if (room < std::int64_t{first} - last + 1)
         return false;
@@ -58,45 +64,73 @@ bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int 
     radius = memory.take<float>(room + kPadding);
     sample = memory.take<std::int32_t>(room + kPadding);
     place = memory.take<std::int32_t>(room + kPadding);
+    color = colors ? memory.take<std::int32_t>(room + kPadding) : nullptr;
 
-    count = 0;
-    ascending = true;
-    all_numbers = true;
-    const auto put = [&](float main_at, float cross_at, float r, int i, int m)
-    {
-        ascending = ascending && (count == 0 || main[count - 1] <= main_at);
-        all_numbers = all_numbers && r == r;
-        main[count] = main_at;
-        cross[count] = cross_at;
-        radius[count] = r;
-        sample[count] = i;
-        place[count] = m;
-        ++count;
-    };
+    per_pixel = static_cast<float>(k);
+    const float first_main = along_y ? creator.points[0].y : creator.points[0].x;
+    const float spacing = 1.0f / per_pixel;
+    const float thickness = creator.points[first].halfWidth;
+    float before = along_y ? creator.points[first].y : creator.points[first].x;
+    float before_across = along_y ? creator.points[first].x : creator.points[first].y;
+    bool falls = false;
+    bool numbers_only = true;
+    bool same = true;
+    bool in_place = std::fabs(first_main) < kEvenBelow;
+    bridged = false;
+    std::int64_t n = 0;
     for (int i = first; i >= last; --i)
     {
         const StrokePoint& cur = creator.points[i];
-        if (i < first)
+        const float main_at = along_y ? cur.y : cur.x;
+        const float at = along_y ? cur.x : cur.y;
+        if (!(std::fabs(at - before_across) <= kGentle))
         {
             const gap_bridge bridge(creator.points[i + 1], cur, along_y, k);
             if (bridge.count > 0)
             {
                 const numbers near = within(bridge, along_y, -reach, across + reach);
-                if (near.end - near.begin > room - count)
+                if (near.end - near.begin > room - n)
                     return false;
-                for (std::int64_t n = near.begin; n < near.end; ++n)
+                bridged = bridged || near.begin < near.end;
+                for (std::int64_t number = near.begin; number < near.end; ++number, ++n)
                 {
-                    const auto m = static_cast<int>(n);
-                    put(along_y ? bridge.y(m) : bridge.x(m), along_y ? bridge.x(m) : bridge.y(m), bridge.radius(m),
-                        i, m);
+                    const auto m = static_cast<int>(number);
+                    main[n] = along_y ? bridge.y(m) : bridge.x(m);
+                    cross[n] = along_y ? bridge.x(m) : bridge.y(m);
+                    radius[n] = bridge.radius(m);
+                    sample[n] = i;
+                    place[n] = m;
+                    if (colors)
+                        color[n] = std::bit_cast<std::int32_t>(bridge.color(m));
+                    falls = falls || !(before <= main[n]);
+                    before = main[n];
+                    numbers_only = numbers_only && radius[n] == radius[n];
+                    same = same && radius[n] == thickness;
                 }
             }
         }
-        if (count >= room)
+        if (n >= room)
             return false;
-        const float at = along_y ? cur.x : cur.y;
-        put(along_y ? cur.y : cur.x, 0.0f <= at && at <= across ? at : kFarAway, cur.halfWidth, i, 0);
+        main[n] = main_at;
+        cross[n] = 0.0f <= at && at <= across ? at : kFarAway;
+        radius[n] = cur.halfWidth;
+        sample[n] = i;
+        place[n] = 0;
+        if (colors)
+            color[n] = std::bit_cast<std::int32_t>(cur.color);
+        ++n;
+        falls |= !(before <= main_at);
+        numbers_only &= cur.halfWidth == cur.halfWidth;
+        same &= cur.halfWidth == thickness;
+        in_place &= std::fabs(first_main - static_cast<float>(i) * spacing - main_at) <= kEvenWithin;
+        before = main_at;
+        before_across = at;
     }
+    count = static_cast<int>(n);
+    ascending = !falls;
+    all_numbers = numbers_only;
+    one_radius = same;
+    even = in_place;
     for (int i = 0; i < kPadding; ++i)
     {
         main[count + i] = kFarAway;

@@ -45,20 +45,52 @@ struct stroke_candidates
     // bridges before `first` left out. A sample that no pixel may take (off the canvas across, or no number) is
     // far away. Positions farther than `reach` off the canvas are left out: they reach no pixel. Cuts its arrays
     // from `memory`; false where they do not fit.
-    bool collect(const LineCreatorClass& creator, int first, int last, float reach,
+    bool collect(const LineCreatorClass& creator, int first, int last, float reach, bool colors,
                  scratch_memory& memory) noexcept;
 
     // The first place that belongs to the sample of this index, or of a lower one where that has no place.
     int first_of(int index) const noexcept;
+
+    // The first place from `begin` on whose main coordinate is not below `main_at`; `end` where there is none.
+    int from(int begin, int end, float main_at) const noexcept
+    {
+        if (even && !bridged)
+        {
+            // Near enough by arithmetic to walk the rest.
+            const float guess = (main_at - main[0]) * per_pixel;
+            int j = guess > static_cast<float>(begin) ? end : begin;
+            if (guess > static_cast<float>(begin) && guess < static_cast<float>(end))
+                j = trunc_i32(static_cast<double>(guess));
+            while (j > begin && main[j - 1] >= main_at)
+                --j;
+            while (j < end && main[j] < main_at)
+                ++j;
+            return j;
+        }
+        while (begin < end)
+        {
+            const int mid = begin + (end - begin) / 2;
+            if (main[mid] < main_at)
+                begin = mid + 1;
+            else
+                end = mid;
+        }
+        return begin;
+    }
 
     float* main = nullptr;  // along the stroke
     float* cross = nullptr; // across it; kFarAway for a sample that does not count
     float* radius = nullptr;
     std::int32_t* sample = nullptr; // index of the sample, or of the one that the bridge leads to; descending
     std::int32_t* place = nullptr;  // 0 for the sample itself, else the position's number in its bridge
+    std::int32_t* color = nullptr;  // the bytes of a PF_Pixel; of strokes of many colours
+    float per_pixel = 1.0f; // samples
     int count = 0;
     bool ascending = true;   // main never falls
     bool all_numbers = true; // no radius is NaN
+    bool one_radius = true;  // all radii are equal
+    bool bridged = false;    // some places are no samples
+    bool even = true;        // samples lie where their indices say, to a hundredth of a pixel
 
     static constexpr float kFarAway = 1e18f;
 };

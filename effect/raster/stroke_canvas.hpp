@@ -1,11 +1,17 @@
 #pragma once
-// The canvas as a stroke sees it: pixels by their position along the stroke's main axis and across it.
+// The canvas as a stroke sees it: pixels by their position along the stroke's main axis and across it, and the tiles
+// of the drawing context that they lie in. Internal to the file that includes it.
 
 #include "effect/raster/aeg.hpp"
-#include "effect/raster/lanes.hpp"
 #include "effect/raster/line_creator.hpp"
 #include "effect/raster/stroke_candidates.hpp"
+#include "effect/raster/stroke_tile.hpp"
 
+#include <algorithm>
+#include <bit>
+
+namespace
+{
 class stroke_canvas
 {
 public:
@@ -15,7 +21,7 @@ public:
     {
     }
 
-    // Notes the tile of the drawing context that each position lies in. False where `memory` is short.
+    // Notes the tile that each position lies in. False where `memory` is short.
     bool note_tiles(scratch_memory& memory) noexcept
     {
         tile_of_main_ = memory.take<std::uint8_t>(size);
@@ -28,45 +34,90 @@ public:
         return true;
     }
 
-    void store(int main_at, int cross_at, PF_Pixel color) const noexcept
+    int tile_across(int cross_at) const noexcept { return tile_of_cross_[cross_at]; }
+
+    PF_Pixel* pixel(int main_at, int cross_at) const noexcept
     {
-        *(along_y_ ? creator_.pixel_at(cross_at, main_at) : creator_.pixel_at(main_at, cross_at)) = color;
-        mark(main_at, cross_at);
+        return along_y_ ? creator_.pixel_at(cross_at, main_at) : creator_.pixel_at(main_at, cross_at);
     }
 
-    // One row of a whole tile.
-    void fill(int main_at, int cross_at, PF_Pixel color) const noexcept
+    // One row of a tile: the lanes of `bits`, with the bytes of their pixels.
+    void store(int main_at, int cross_at, unsigned bits, int_lanes colors) const noexcept
     {
-        PF_Pixel* const first =
-            along_y_ ? creator_.pixel_at(cross_at, main_at) : creator_.pixel_at(main_at, cross_at);
-        for (int i = 0; i < kLanes; ++i)
+        if (!along_y_ && bits == 0xff)
         {
+            store_lanes(creator_.pixel_at(main_at, cross_at), colors);
+            return;
+        }
+        for (unsigned left = bits; left != 0; left &= left - 1)
+        {
+            const int lane = std::countr_zero(left);
+            *pixel(main_at + lane, cross_at) = std::bit_cast<PF_Pixel>(static_cast<std::int32_t>(colors[lane]));
+        }
+    }
+
+    // Row `cross_at` of a panel: the pixels of `mask`, bit i at main position `main_at` + i.
+    void fill(int main_at, int cross_at, std::uint64_t mask, PF_Pixel color) const noexcept
+    {
+        while (mask != 0)
+        {
+            const int first = std::countr_zero(mask);
+            const int count = std::countr_one(mask >> static_cast<unsigned>(first));
             if (along_y_)
-                *creator_.pixel_at(cross_at, main_at + i) = color;
+            {
+                for (int i = first; i < first + count; ++i)
+                    *creator_.pixel_at(cross_at, main_at + i) = color;
+            }
             else
-                first[i] = color;
-            mark(main_at + i, cross_at);
+            {
+                std::fill_n(creator_.pixel_at(main_at + first, cross_at), count, color);
+            }
+            if (first + count >= 64)
+                return;
+            mask &= ~std::uint64_t{0} << static_cast<unsigned>(first + count);
+        }
+    }
+
+    // A run across at one main position, where such runs lie together in memory.
+    bool fills_across() const noexcept { return along_y_; }
+    void fill_across(int main_at, span rows, PF_Pixel color) const noexcept
+    {
+        std::fill_n(creator_.pixel_at(rows.first, main_at), rows.last - rows.first + 1, color);
+    }
+
+    // Marks the tiles, in row `tile_across` of them, that the panel's positions of `mask` lie in.
+    void mark(int main_at, int tile_across, std::uint64_t mask) const noexcept
+    {
+        while (mask != 0)
+        {
+            const int first = std::countr_zero(mask);
+            const int tile = tile_of_main_[main_at + first];
+            creator_.context->tileDirty[along_y_ ? tile_across * aeg::kTiles + tile : tile * aeg::kTiles + tile_across] =
+                1;
+            // Whatever else lies in the same tile.
+            int next = first + 1;
+            while (next < 64 && main_at + next < size && tile_of_main_[main_at + next] == tile)
+                ++next;
+            if (next >= 64)
+                return;
+            mask &= ~std::uint64_t{0} << static_cast<unsigned>(next);
         }
     }
 
 private:
-    void mark(int main_at, int cross_at) const noexcept
-    {
-        const int m = tile_of_main_[main_at];
-        const int c = tile_of_cross_[cross_at];
-        creator_.context->tileDirty[along_y_ ? c * aeg::kTiles + m : m * aeg::kTiles + c] = 1;
-    }
-
     static void fill_tiles(std::uint8_t* tiles, int size, int tile_size) noexcept
     {
-        for (int i = 0, tile = 0, left = tile_size; i < size; ++i, --left)
+        if (tile_size <= 0)
         {
-            if (left <= 0 && tile < aeg::kTiles - 1)
-            {
-                ++tile;
-                left = tile_size;
-            }
-            tiles[i] = static_cast<std::uint8_t>(tile_size > 0 ? tile : aeg::kTiles - 1);
+            std::fill_n(tiles, size, static_cast<std::uint8_t>(aeg::kTiles - 1));
+            return;
+        }
+        for (int tile = 0, at = 0; at < size; ++tile, at += tile_size)
+        {
+            const int end = tile < aeg::kTiles - 1 ? std::min(size, at + tile_size) : size;
+            std::fill(tiles + at, tiles + end, static_cast<std::uint8_t>(tile));
+            if (end == size)
+                return;
         }
     }
 
@@ -79,3 +130,4 @@ public:
     const int size;   // of the canvas along the main axis, pixels
     const int across; // and across it
 };
+} // namespace

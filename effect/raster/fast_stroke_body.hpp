@@ -1,0 +1,379 @@
+#pragma once
+// The fast way to draw a stroke, for the level of instructions that the including file is compiled for. Internal to
+// that file.
+
+#include "effect/model/work_limits.hpp"
+#include "effect/raster/covered_rows.hpp"
+#include "effect/raster/line_creator.hpp"
+#include "effect/raster/nearest_place.hpp"
+#include "effect/raster/pixel_shade.hpp"
+#include "effect/raster/row_masks.hpp"
+#include "effect/raster/sample_search.hpp"
+#include "effect/raster/stroke_canvas.hpp"
+#include "effect/raster/stroke_windows.hpp"
+#include "effect/raster/swept_region.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <limits>
+
+namespace
+{
+// One stroke at work: panel by panel of 64 positions along the main axis, row by row across, and in each row tile by
+// tile of eight.
+template <bool Multicolor>
+class fast_stroke
+{
+public:
+    explicit fast_stroke(LineCreatorClass& creator) noexcept
+        : creator_(creator), along_y_(creator.axis == 1), canvas_(creator), windows_(creator), shade_(creator)
+    {
+    }
+
+    // False, with nothing drawn, where there is no memory to work in.
+    bool draw(bool solid_core) noexcept
+    {
+        // The pool's free rest, and the mask, which only the plain way needs.
+        scratch_memory pool_rest(creator_.pool->next, creator_.pool->remaining);
+        scratch_memory mask(creator_.coveredMask, creator_.coveredMask != nullptr ? mask_bytes() : 0);
+        const bool in_pool = take_arrays(pool_rest);
+        if (!in_pool && !take_arrays(mask))
+            return false;
+        bool whole = outer_.sweep(creator_, creator_.outerRadius);
+        if (solid_core)
+            whole = core_.sweep(creator_, creator_.innerRadius) && whole;
+        else
+            clear_core();
+        if (!whole)
+        {
+            if (!in_pool || creator_.coveredMask == nullptr)
+                return false;
+            make_plane(solid_core);
+        }
+        if (!find_extent())
+            return true;
+        for (int i = begin_; i < end_; ++i)
+            creator_.sweptPixels += std::max(0, outer_.last[i] - outer_.first[i] + 1);
+
+        const index_window used = {windows_.at(begin_).first, windows_.at(end_ - 1).last};
+        const stroke_reach reach(widest(used));
+        reach_squared_ = reach.squared;
+        stroke_candidates places;
+        const bool collected =
+            places.collect(creator_, used.first, used.last, reach.distance, Multicolor, pool_rest) ||
+            (plane_ == nullptr &&
+             places.collect(creator_, used.first, used.last, reach.distance, Multicolor, mask));
+        if (collected && places.ascending)
+            draw_listed(places, reach);
+        else
+            draw_unlisted(reach);
+        return true;
+    }
+
+private:
+    static constexpr int kPanel = row_masks::kColumns;
+    static constexpr int kTilesOfPanel = kPanel / kLanes;
+    static constexpr std::uint8_t kSwept = 1;
+    static constexpr std::uint8_t kCore = 2;
+
+    struct panel
+    {
+        int at; // main position of its first column
+        int count;
+        span rows; // that anything may be drawn in
+        stroke_tile tiles[kTilesOfPanel];
+    };
+
+    std::uint64_t mask_bytes() const noexcept
+    {
+        return static_cast<std::uint64_t>(canvas_.size) * static_cast<std::uint64_t>(canvas_.across);
+    }
+
+    bool take_arrays(scratch_memory& memory) noexcept
+    {
+        for (std::int32_t** array : {&outer_.first, &outer_.last, &core_.first, &core_.last})
+            if ((*array = memory.take<std::int32_t>(canvas_.size)) == nullptr)
+                return false;
+        for (std::uint64_t** array : {&swept_toggles_, &solid_toggles_})
+        {
+            if ((*array = memory.take<std::uint64_t>(canvas_.across + 1)) == nullptr)
+                return false;
+            std::fill_n(*array, canvas_.across + 1, std::uint64_t{0});
+        }
+        return canvas_.note_tiles(memory);
+    }
+
+    void clear_core() noexcept
+    {
+        std::fill_n(core_.first, canvas_.size, canvas_.across);
+        std::fill_n(core_.last, canvas_.size, -1);
+    }
+
+    // Notes the swept pixels one by one.
+    void make_plane(bool solid_core) noexcept
+    {
+        plane_ = creator_.coveredMask;
+        std::memset(plane_, 0, mask_bytes());
+        sweep_plane(creator_, creator_.outerRadius, kSwept, plane_);
+        if (solid_core)
+            sweep_plane(creator_, creator_.innerRadius, kCore, plane_);
+    }
+
+    // The main positions that have pixels at all.
+    bool find_extent() noexcept
+    {
+        begin_ = 0;
+        end_ = canvas_.size;
+        const auto empty = [this](int i)
+        { return outer_.last[i] < outer_.first[i] && core_.last[i] < core_.first[i]; };
+        while (begin_ < end_ && empty(begin_))
+            ++begin_;
+        while (begin_ < end_ && empty(end_ - 1))
+            --end_;
+        return begin_ < end_;
+    }
+
+    float widest(index_window used) const noexcept
+    {
+        float radius = -std::numeric_limits<float>::infinity();
+        for (int i = used.last; i <= used.first; ++i)
+            radius = creator_.points[i].halfWidth > radius ? creator_.points[i].halfWidth : radius;
+        return radius;
+    }
+
+    stroke_tile tile_at(int at) const noexcept
+    {
+        stroke_tile t{};
+        t.at = at;
+        t.count = std::min(kLanes, canvas_.size - at);
+        t.centers = static_cast<float>(at) + __builtin_convertvector(kLaneNumbers, float_lanes) + 0.5f;
+        t.reach = {0, canvas_.across - 1};
+        return t;
+    }
+
+    void draw_listed(const stroke_candidates& places, stroke_reach reach) noexcept
+    {
+        nearest_place nearest(places, reach, canvas_.across);
+        covered_rows covered(creator_, places, canvas_.across);
+        windows_.judge(places);
+        for (int at = begin_ - begin_ % kPanel; at < end_; at += kPanel)
+            draw_panel(
+                at,
+                [&](stroke_tile& t)
+                {
+                    nearest.enter(t);
+                    t.windows_matter = windows_.matter(places, t);
+                    if (!Multicolor)
+                        covered.enter(t);
+                },
+                [&](const stroke_tile& t, int lane, span swept)
+                {
+                    if (Multicolor)
+                        return span{0, -1};
+                    return covered.of(t, lane, swept,
+                                      [&](int j)
+                                      {
+                                          return !t.windows_matter ||
+                                                 windows_.holds(places, windows_.at(t.at + lane), j);
+                                      });
+                },
+                [&](stroke_tile& t, int row, unsigned needed)
+                { return decide(nearest, places, t, row, needed); });
+    }
+
+    void draw_unlisted(stroke_reach reach) noexcept
+    {
+        sample_search by_sample(creator_, reach);
+        for (int at = begin_ - begin_ % kPanel; at < end_; at += kPanel)
+            draw_panel(
+                at,
+                [&](stroke_tile& t)
+                {
+                    for (int i = 0; i < t.count; ++i)
+                        t.windows[i] = windows_.at(t.at + i);
+                },
+                [](const stroke_tile&, int, span) { return span{0, -1}; },
+                [&](stroke_tile& t, int row, unsigned needed)
+                {
+                    unsigned written = 0;
+                    if (creator_.sampleLooks < kMostSampleLooks)
+                        creator_.sampleLooks +=
+                            by_sample.search(t, row, needed,
+                                             [&](int lane, const nearest_sample& near, float squared)
+                                             { written |= finish(t, lane, row, near, squared); });
+                    return written;
+                });
+    }
+
+    // enter(tile) starts a tile; covered(tile, lane, swept rows) answers rows that are sure to have the stroke's one
+    // colour; decide(tile, row, lanes) draws the others, and answers which it wrote.
+    template <class Enter, class Covered, class Decide>
+    void draw_panel(int at, Enter enter, Covered covered, Decide decide) noexcept
+    {
+        panel p;
+        p.at = at;
+        p.count = std::min(kPanel, canvas_.size - at);
+        p.rows = {canvas_.across, -1};
+        row_masks swept(swept_toggles_);
+        row_masks solid(solid_toggles_);
+        for (int first = 0; first < p.count; first += kLanes)
+        {
+            stroke_tile& t = p.tiles[first / kLanes];
+            t = tile_at(at + first);
+            enter(t);
+            for (int i = 0; i < t.count; ++i)
+                add_column(p, t, i, swept, solid, covered);
+        }
+        draw_rows(p, swept, solid, decide);
+    }
+
+    template <class Covered>
+    void add_column(panel& p, const stroke_tile& t, int i, row_masks& swept, row_masks& solid,
+                    Covered covered) noexcept
+    {
+        const int at = t.at + i;
+        const span all = {outer_.first[at], outer_.last[at]};
+        const span core = {core_.first[at], core_.last[at]};
+        const span reached = {std::max(all.first, t.reach.first), std::min(all.last, t.reach.last)};
+        span full = plane_ == nullptr ? core : span{0, -1};
+        if (all.first <= all.last)
+            full = joined(full, covered(t, i, all));
+        swept.add(at - p.at, reached);
+        solid.add(at - p.at, full);
+        include(p.rows, reached);
+        include(p.rows, full);
+        if (plane_ != nullptr)
+            include(p.rows, core);
+        else if (canvas_.fills_across() && full.first <= full.last)
+            canvas_.fill_across(at, full, creator_.points[0].color);
+    }
+
+    static void include(span& rows, span more) noexcept
+    {
+        if (more.first <= more.last)
+            rows = {std::min(rows.first, more.first), std::max(rows.last, more.last)};
+    }
+
+    template <class Decide>
+    void draw_rows(panel& p, row_masks swept, row_masks solid, Decide decide) noexcept
+    {
+        const bool filled = plane_ == nullptr && canvas_.fills_across();
+        std::uint64_t written = 0; // in the tiles of the row before
+        for (int row = p.rows.first; row <= p.rows.last; ++row)
+        {
+            std::uint64_t some = swept.take(row);
+            std::uint64_t full = solid.take(row);
+            if (plane_ != nullptr)
+            {
+                const std::uint64_t all = plane_bits(p, row, kSwept);
+                some &= all;
+                full = (full & all) | plane_bits(p, row, kCore);
+            }
+            if (row > p.rows.first && canvas_.tile_across(row) != canvas_.tile_across(row - 1))
+            {
+                canvas_.mark(p.at, canvas_.tile_across(row - 1), written);
+                written = 0;
+            }
+            written |= full;
+            if (!filled)
+                canvas_.fill(p.at, row, full, creator_.points[0].color);
+            for (std::uint64_t left = some & ~full; left != 0;)
+            {
+                const int first = std::countr_zero(left) / kLanes * kLanes;
+                const auto needed = static_cast<unsigned>((left >> static_cast<unsigned>(first)) & 0xff);
+                const unsigned drawn = decide(p.tiles[first / kLanes], row, needed);
+                written |= std::uint64_t{drawn} << static_cast<unsigned>(first);
+                left &= ~(std::uint64_t{0xff} << static_cast<unsigned>(first));
+            }
+        }
+        if (p.rows.first > p.rows.last)
+            return;
+        canvas_.mark(p.at, canvas_.tile_across(p.rows.last), written);
+        swept.take(p.rows.last + 1);
+        solid.take(p.rows.last + 1);
+    }
+
+    std::uint64_t plane_bits(const panel& p, int row, unsigned bit) const noexcept
+    {
+        const std::uint8_t* const bytes = plane_ + static_cast<std::ptrdiff_t>(row) * canvas_.size + p.at;
+        std::uint64_t bits = 0;
+        for (int i = 0; i < p.count; ++i)
+            bits |= (bytes[i] & bit) != 0 ? std::uint64_t{1} << static_cast<unsigned>(i) : std::uint64_t{0};
+        return bits;
+    }
+
+    // Draws lanes of one row of a tile, and answers which it wrote.
+    unsigned decide(nearest_place& nearest, const stroke_candidates& places, stroke_tile& t, int row,
+                    unsigned needed) noexcept
+    {
+        nearest_lanes near = nearest.search(t, row);
+        needed &= lane_bits(near.place >= 0);
+        if (needed == 0)
+            return 0;
+        const unsigned doubtful =
+            t.windows_matter ? needed : needed & lane_bits(near.squared > windows_.sure_squared());
+        for (unsigned left = doubtful; left != 0; left &= left - 1)
+            needed = recount(places, t, row, std::countr_zero(left), needed, near);
+
+        const int_lanes place = near.place > 0 ? near.place : all_lanes(0);
+        const float_lanes radius =
+            places.one_radius ? all_lanes(places.radius[0]) : gather(places.radius, place);
+        const float_lanes offset =
+            along_y_ ? t.centers - gather(places.main, place)
+                     : static_cast<float>(row) + 0.5f - gather(places.cross, place);
+        int_lanes color;
+        if constexpr (Multicolor)
+            color = gather(places.color, place);
+        else
+            color = all_lanes(std::bit_cast<std::int32_t>(creator_.points[0].color));
+        const unsigned written = needed & lane_bits(shade_.shade(near.squared, radius, offset, &color));
+        canvas_.store(t.at, row, written, color);
+        return written;
+    }
+
+    // Looks again for a lane whose nearest place may not count for it.
+    unsigned recount(const stroke_candidates& places, const stroke_tile& t, int row, int lane, unsigned needed,
+                     nearest_lanes& near) const noexcept
+    {
+        const index_window w = windows_.at(t.at + lane);
+        if (windows_.counts(places, w, row, near.place[lane]))
+            return needed;
+        float squared = reach_squared_;
+        const int j = windows_.search(places, w, t.centers[lane], row, &squared);
+        if (j < 0)
+            return needed & ~(1U << static_cast<unsigned>(lane));
+        near.place[lane] = j;
+        near.squared[lane] = squared;
+        return needed;
+    }
+
+    unsigned finish(const stroke_tile& t, int lane, int row, const nearest_sample& near, float squared) noexcept
+    {
+        PF_Pixel color{};
+        if (!creator_.template shade<Multicolor>(near, std::sqrt(squared), &color))
+            return 0;
+        *canvas_.pixel(t.at + lane, row) = color;
+        return 1U << static_cast<unsigned>(lane);
+    }
+
+    LineCreatorClass& creator_;
+    bool along_y_;
+    stroke_canvas canvas_;
+    stroke_windows windows_;
+    pixel_shade shade_;
+    float reach_squared_ = 0.0f;
+    int begin_ = 0; // main positions that have pixels
+    int end_ = 0;
+    swept_region outer_{};
+    swept_region core_{};
+    std::uint8_t* plane_ = nullptr; // the swept pixels one by one, where the runs have holes
+    std::uint64_t* swept_toggles_ = nullptr;
+    std::uint64_t* solid_toggles_ = nullptr;
+};
+
+bool draw_stroke(LineCreatorClass& creator, bool solid_core, bool one_color) noexcept
+{
+    return one_color ? fast_stroke<false>(creator).draw(solid_core) : fast_stroke<true>(creator).draw(solid_core);
+}
+} // namespace

@@ -1,0 +1,100 @@
+#pragma once
+// Which of a stroke's places a pixel looks at: those of the samples that lie, by their indices, within the outer
+// radius of it along the main axis, and across it. Ordinary strokes have their samples where the indices say, so
+// that whatever a pixel can be nearest to counts for it; the others are looked at one by one.
+
+#include "effect/raster/line_creator.hpp"
+#include "effect/raster/stroke_candidates.hpp"
+#include "effect/raster/stroke_tile.hpp"
+
+#include <algorithm>
+
+namespace
+{
+class stroke_windows
+{
+public:
+    explicit stroke_windows(const LineCreatorClass& creator) noexcept
+        : creator_(creator), first_main_(creator.axis == 1 ? creator.points[0].y : creator.points[0].x),
+          size_(static_cast<float>(creator.axis == 1 ? creator.height : creator.width)),
+          across_(static_cast<float>(creator.axis == 1 ? creator.width : creator.height))
+    {
+    }
+
+    // Of the pixels at one main position.
+    index_window at(int main_at) const noexcept
+    {
+        const float from = std::max(0.0f, static_cast<float>(main_at + 1) - creator_.outerRadius);
+        const float to = std::min(size_, static_cast<float>(main_at + 1) + creator_.outerRadius);
+        return {sample_at(first_main_, from, creator_.samplesPerPixel, creator_.pointCount),
+                sample_at(first_main_, to, creator_.samplesPerPixel, creator_.pointCount)};
+    }
+
+    // Learns how near a place is sure to count. A window reaches from the outer radius less half a pixel before a
+    // pixel's centre to half a pixel more than it behind; a bridge belongs to the samples on both of its sides.
+    void judge(const stroke_candidates& places) noexcept
+    {
+        margin_ = 0.1f + (places.bridged ? 0.55f : 0.0f);
+        const float sure = creator_.outerRadius - 0.5f - margin_;
+        sure_squared_ = places.even && sure > 0.0f ? sure * sure * 0.9999f : -1.0f;
+    }
+
+    // A place no farther than this (squared distance) counts, in tiles for which windows do not matter.
+    float sure_squared() const noexcept { return sure_squared_; }
+
+    // Whether each place of the tile may have to be asked. The canvas cuts windows off at its ends.
+    bool matter(const stroke_candidates& places, const stroke_tile& t) const noexcept
+    {
+        return sure_squared_ < 0.0f || t.begin >= t.end || places.main[t.begin] < margin_ ||
+               places.main[t.end - 1] > size_ - margin_;
+    }
+
+    // Whether place j lies in the window, as far as the main axis goes.
+    bool holds(const stroke_candidates& places, index_window w, int j) const noexcept
+    {
+        const int index = places.sample[j];
+        return index >= w.last && (places.place[j] != 0 ? index < w.first : index <= w.first);
+    }
+
+    // Whether a pixel in this row, with this window, looks at place j at all.
+    bool counts(const stroke_candidates& places, index_window w, int row, int j) const noexcept
+    {
+        if (!holds(places, w, j))
+            return false;
+        if (places.place[j] != 0)
+            return true;
+        const float from = std::max(0.0f, static_cast<float>(row + 1) - creator_.outerRadius);
+        const float to = std::min(across_, static_cast<float>(row + 1) + creator_.outerRadius);
+        return from <= places.cross[j] && places.cross[j] <= to;
+    }
+
+    // The search with every condition, for the rare pixel whose nearest place does not count for it: the first of
+    // the nearest ones that do and are nearer than `squared`; -1 where there are none.
+    int search(const stroke_candidates& places, index_window w, float center_main, int row,
+               float* squared) const noexcept
+    {
+        const float center_cross = static_cast<float>(row) + 0.5f;
+        int found = -1;
+        for (int j = places.first_of(w.first); j < places.count && places.sample[j] >= w.last; ++j)
+        {
+            const float dm = center_main - places.main[j];
+            const float dc = center_cross - places.cross[j];
+            const float q = dm * dm + dc * dc;
+            if (q < *squared && counts(places, w, row, j))
+            {
+                *squared = q;
+                found = j;
+            }
+        }
+        return found;
+    }
+
+private:
+    const LineCreatorClass& creator_;
+    float first_main_;
+    float size_;   // of the canvas along the main axis
+    float across_; // and across it
+    float margin_ = 0.0f;
+    float sure_squared_ = -1.0f; // negative where places have to be asked
+};
+} // namespace
