@@ -94,12 +94,32 @@ inline float_lanes root(float_lanes v) noexcept
     return v;
 }
 
+// a < b ? a : b in each lane, which is b where one is no number.
 inline float_lanes lower_of(float_lanes a, float_lanes b) noexcept
 {
+#if defined(__AVX2__)
+    return reinterpret_cast<float_lanes>(
+        _mm256_min_ps(reinterpret_cast<__m256>(a), reinterpret_cast<__m256>(b)));
+#elif defined(__SSE2__)
+    __m128 x[2];
+    __m128 y[2];
+    std::memcpy(x, &a, sizeof x);
+    std::memcpy(y, &b, sizeof y);
+    x[0] = _mm_min_ps(x[0], y[0]);
+    x[1] = _mm_min_ps(x[1], y[1]);
+    std::memcpy(&a, x, sizeof a);
+    return a;
+#else
     return a < b ? a : b;
+#endif
 }
 
 inline float_lanes higher_of(float_lanes a, float_lanes b) noexcept
+{
+    return a > b ? a : b;
+}
+
+inline int_lanes higher_of(int_lanes a, int_lanes b) noexcept
 {
     return a > b ? a : b;
 }

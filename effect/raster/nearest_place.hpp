@@ -48,15 +48,16 @@ class nearest_place
 public:
     // `places` are ascending.
     nearest_place(const stroke_candidates& places, stroke_reach reach, int across) noexcept
-        : places_(places), reach_(reach), across_(across)
+        : places_(places), reach_(reach), corner_reach_(reach.distance + static_cast<float>(kLanes + 1)),
+          across_(across)
     {
     }
 
     // Sets the candidates and the rows in reach of the tile. Tiles come in ascending order.
     void enter(stroke_tile& t) noexcept
     {
-        const float low = static_cast<float>(t.at) + 0.5f - reach_.distance;
-        const float high = static_cast<float>(t.at + kLanes) + 0.5f + reach_.distance;
+        const float low = static_cast<float>(t.at) + 0.5f - corner_reach_;
+        const float high = static_cast<float>(t.at + kLanes) + 0.5f + corner_reach_;
         while (window_begin_ < places_.count && places_.main[window_begin_] < low)
             ++window_begin_;
         window_end_ = std::max(window_end_, window_begin_);
@@ -71,29 +72,61 @@ public:
     // For one row of the tile.
     nearest_lanes search(stroke_tile& t, int row) noexcept
     {
-        int begin = t.begin;
-        int end = t.end;
-        if (end - begin > kWideWindow)
-            narrow(t, row, &begin, &end);
         const float center = static_cast<float>(row) + 0.5f;
-        float_lanes best = all_lanes(reach_.squared);
-        int_lanes place = all_lanes(0); // a number more than the place's
-        for (int j = begin; j < end; ++j)
+        nearest_lanes near = {all_lanes(-1), all_lanes(reach_.squared)};
+        if (t.end - t.begin <= kWideWindow)
         {
-            const float dc = center - places_.cross[j];
-            const float_lanes dm = t.centers - places_.main[j];
-            const float_lanes q = dm * dm + dc * dc;
-            const int_lanes nearer = q < best;
-            const int_lanes number = nearer & (j + 1);
-            best = lower_of(q, best);
-            place = number > place ? number : place;
+            look_at(t, t.begin, t.end, center, &near);
+            return near;
         }
-        return {place - 1, best};
+        int begin = 0;
+        int end = 0;
+        if (narrow(t, row, &begin, &end))
+            for (; begin < end; begin += kBlock)
+                look_at(t, begin, std::min(end, begin + kBlock), center, &near);
+        return near;
     }
 
 private:
     // Widths of candidate windows from which on it pays to look for the nearest place at a tile's corners first.
     static constexpr int kWideWindow = 48;
+    static constexpr int kBlock = 128; // candidates looked at in one go
+
+    // Looks at candidates from `begin` up to but not `end`, at most kBlock of them. Four runs of them at a time, each
+    // with a nearest one of its own, since the comparisons of one run wait for each other.
+    void look_at(const stroke_tile& t, int begin, int end, float center, nearest_lanes* near) noexcept
+    {
+        constexpr int kRuns = 4;
+        const int length = (end - begin + kRuns - 1) / kRuns;
+        for (int j = 0; j < kRuns * length; j += kLanes)
+        {
+            const float_lanes dc = center - load_lanes<float_lanes>(places_.cross + begin + j);
+            store_lanes(across_squared_ + j, dc * dc);
+        }
+        const float* const main_at = places_.main + begin;
+        float_lanes best[kRuns];
+        int_lanes number[kRuns]; // of the nearest one in its run, from 1 on
+        for (int r = 0; r < kRuns; ++r)
+        {
+            best[r] = near->squared;
+            number[r] = all_lanes(0);
+        }
+        int_lanes count = all_lanes(1);
+        for (int i = 0; i < length; ++i, count += 1)
+            for (int r = 0; r < kRuns; ++r)
+            {
+                const float_lanes dm = t.centers - main_at[r * length + i];
+                const float_lanes q = dm * dm + across_squared_[r * length + i];
+                number[r] = higher_of((q < best[r]) & count, number[r]);
+                best[r] = lower_of(q, best[r]);
+            }
+        for (int r = 0; r < kRuns; ++r)
+        {
+            const int_lanes nearer = best[r] < near->squared;
+            near->place = nearer ? number[r] + (begin + r * length - 1) : near->place;
+            near->squared = lower_of(best[r], near->squared);
+        }
+    }
 
     span rows_in_reach(const stroke_tile& t) const noexcept
     {
@@ -139,54 +172,54 @@ private:
 
     // Along a row the nearest place's main coordinate never falls, but for rounding: whatever lies between the
     // nearest ones of the tile's first pixel and of the next tile's first is enough for the pixels between.
-    void narrow(stroke_tile& t, int row, int* begin, int* end) noexcept
+    // False where none of the row's pixels is in reach of anything.
+    bool narrow(stroke_tile& t, int row, int* begin, int* end) noexcept
     {
-        const int from = corner_at_ == t.at && corner_row_ == row ? corner_ : nearest_on(t, t.at, row, t.begin, t.hint);
-        int lowest = t.begin;
-        if (from >= 0)
-        {
-            const float slack = slack_at(from, t.at, row);
-            lowest = from;
-            while (lowest > t.begin && places_.main[lowest - 1] >= places_.main[from] - slack)
-                --lowest;
-        }
-        const int to = nearest_on(t, t.at + kLanes, row, lowest, from >= 0 ? from : t.hint);
+        const int from =
+            corner_at_ == t.at && corner_row_ == row ? corner_ : nearest_on(t, t.at, row, t.begin, t.hint);
+        if (from < 0)
+            return false;
+        float slack = slack_at(from, t.at, row);
+        int lowest = from;
+        while (lowest > t.begin && places_.main[lowest - 1] >= places_.main[from] - slack)
+            --lowest;
+        const int to = nearest_on(t, t.at + kLanes, row, lowest, from);
         corner_ = to;
         corner_at_ = t.at + kLanes;
         corner_row_ = row;
-        int highest = t.end - 1;
-        if (to >= 0)
-        {
-            const float slack = slack_at(to, t.at + kLanes, row);
-            highest = to;
-            while (highest + 1 < t.end && places_.main[highest + 1] <= places_.main[to] + slack)
-                ++highest;
-            t.hint = to;
-        }
+        if (to < 0)
+            return false;
+        slack = slack_at(to, t.at + kLanes, row);
+        int highest = to;
+        while (highest + 1 < t.end && places_.main[highest + 1] <= places_.main[to] + slack)
+            ++highest;
+        t.hint = to;
         *begin = lowest;
         *end = highest + 1;
+        return true;
     }
 
-    // The nearest place to one pixel, from place `begin` on, -1 where none is in reach; the first of
-    // equals. `hint` is any place, better a near one.
+    // The nearest place to a corner pixel, from place `begin` on, the first of equals; -1 where all are so far off
+    // that no pixel of the tile is in reach of any. `hint` is any place, better a near one.
     int nearest_on(const stroke_tile& t, int at, int row, int begin, int hint) const noexcept
     {
         const float center_main = static_cast<float>(at) + 0.5f;
         const float center_cross = static_cast<float>(row) + 0.5f;
+        const float limit = corner_reach_ * corner_reach_;
         int end = t.end;
         if (hint >= t.begin && hint < t.end)
         {
             const float dm = center_main - places_.main[hint];
             const float dc = center_cross - places_.cross[hint];
             const float q = dm * dm + dc * dc;
-            if (q < reach_.squared)
+            if (q < limit)
             {
                 const float off = std::sqrt(q) * 1.0001f + 0.001f;
                 begin = std::max(begin, places_.from(begin, t.end, center_main - off));
                 end = places_.from(begin, t.end, center_main + off);
             }
         }
-        float_lanes best = all_lanes(reach_.squared);
+        float_lanes best = all_lanes(limit);
         int_lanes found = all_lanes(std::numeric_limits<std::int32_t>::max());
         int_lanes number = kLaneNumbers + begin;
         for (int j = begin; j < end; j += kLanes, number += kLanes)
@@ -198,7 +231,7 @@ private:
             best = lower_of(q, best);
             found = nearer ? number : found;
         }
-        float nearest = reach_.squared;
+        float nearest = limit;
         int place = std::numeric_limits<std::int32_t>::max();
         for (int i = 0; i < kLanes; ++i)
             if (best[i] < nearest || (best[i] == nearest && found[i] < place))
@@ -211,7 +244,9 @@ private:
 
     const stroke_candidates& places_;
     stroke_reach reach_;
+    float corner_reach_; // of a tile's corners: whatever any of its pixels can be in reach of, and more
     int across_;
+    alignas(32) float across_squared_[kBlock + kLanes]; // squared distances across of a row from its candidates
     int corner_ = -1; // the place nearest to a pixel, and that pixel
     int corner_at_ = -1;
     int corner_row_ = -1;

@@ -39,7 +39,7 @@ private:
 
 struct stroke_candidates
 {
-    static constexpr int kPadding = 8; // readable values past the last candidate, none of them near anything
+    static constexpr int kPadding = 16; // readable values past the last candidate, none of them near anything
 
     // The places between sample `first` and sample `last` (first >= last: indices fall along the main axis),
     // bridges before `first` left out. A sample that no pixel may take (off the canvas across, or no number) is

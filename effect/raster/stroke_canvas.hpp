@@ -70,7 +70,7 @@ public:
             }
             else
             {
-                std::fill_n(creator_.pixel_at(main_at + first, cross_at), count, color);
+                fill_run(creator_.pixel_at(main_at + first, cross_at), count, color);
             }
             if (first + count >= 64)
                 return;
@@ -82,7 +82,7 @@ public:
     bool fills_across() const noexcept { return along_y_; }
     void fill_across(int main_at, span rows, PF_Pixel color) const noexcept
     {
-        std::fill_n(creator_.pixel_at(rows.first, main_at), rows.last - rows.first + 1, color);
+        fill_run(creator_.pixel_at(rows.first, main_at), rows.last - rows.first + 1, color);
     }
 
     // Marks the tiles, in row `tile_across` of them, that the panel's positions of `mask` lie in.
@@ -105,6 +105,14 @@ public:
     }
 
 private:
+    static void fill_run(PF_Pixel* to, int count, PF_Pixel color) noexcept
+    {
+        const int_lanes colors = all_lanes(std::bit_cast<std::int32_t>(color));
+        for (; count >= kLanes; count -= kLanes, to += kLanes)
+            store_lanes(to, colors);
+        std::fill_n(to, count, color);
+    }
+
     static void fill_tiles(std::uint8_t* tiles, int size, int tile_size) noexcept
     {
         if (tile_size <= 0)
