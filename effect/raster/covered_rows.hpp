@@ -39,7 +39,7 @@ public:
     span of(const stroke_tile& t, int i, span swept, Counts counts) noexcept
     {
         constexpr span none = {0, -1};
-        if (!(radius_ > 0.75f))
+        if (!(radius_ > kWorthwhile))
             return none;
         const float squared = radius_ * radius_;
         const float center = t.centers[i];
@@ -91,6 +91,7 @@ public:
     }
 
 private:
+    static constexpr float kWorthwhile = 3.0f;    // pixels: below, the search costs less than finding the rows
     static constexpr float kInsideWindows = 1.2f; // pixels: what is this much nearer than the outer radius counts
 
     float thinnest(int begin, int end) const noexcept

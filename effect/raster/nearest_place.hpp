@@ -43,6 +43,22 @@ struct nearest_lanes
     float_lanes squared;
 };
 
+// Candidates with main coordinates between two that only rise.
+struct places_between
+{
+    int begin = 0;
+    int end = 0;
+
+    void move(const stroke_candidates& places, float low, float high) noexcept
+    {
+        while (begin < places.count && places.main[begin] < low)
+            ++begin;
+        end = std::max(end, begin);
+        while (end < places.count && places.main[end] <= high)
+            ++end;
+    }
+};
+
 class nearest_place
 {
 public:
@@ -56,15 +72,14 @@ public:
     // Sets the candidates and the rows in reach of the tile. Tiles come in ascending order.
     void enter(stroke_tile& t) noexcept
     {
-        const float low = static_cast<float>(t.at) + 0.5f - corner_reach_;
-        const float high = static_cast<float>(t.at + kLanes) + 0.5f + corner_reach_;
-        while (window_begin_ < places_.count && places_.main[window_begin_] < low)
-            ++window_begin_;
-        window_end_ = std::max(window_end_, window_begin_);
-        while (window_end_ < places_.count && places_.main[window_end_] <= high)
-            ++window_end_;
-        t.begin = window_begin_;
-        t.end = window_end_;
+        const float first = static_cast<float>(t.at) + 0.5f;
+        const float last = first + static_cast<float>(kLanes - 1);
+        near_.move(places_, first - reach_.distance, last + reach_.distance);
+        wide_.move(places_, first - corner_reach_, last + 1.0f + corner_reach_);
+        const bool few = near_.end - near_.begin <= kWideWindow;
+        t.narrowed = !few;
+        t.begin = few ? near_.begin : wide_.begin;
+        t.end = few ? near_.end : wide_.end;
         t.reach = rows_in_reach(t);
         t.hint = -1;
     }
@@ -74,7 +89,7 @@ public:
     {
         const float center = static_cast<float>(row) + 0.5f;
         nearest_lanes near = {all_lanes(-1), all_lanes(reach_.squared)};
-        if (t.end - t.begin <= kWideWindow)
+        if (!t.narrowed)
         {
             look_at(t, t.begin, t.end, center, &near);
             return near;
@@ -250,7 +265,7 @@ private:
     int corner_ = -1; // the place nearest to a pixel, and that pixel
     int corner_at_ = -1;
     int corner_row_ = -1;
-    int window_begin_ = 0;
-    int window_end_ = 0;
+    places_between near_; // of a tile's pixels
+    places_between wide_; // and its corners
 };
 } // namespace

@@ -18,8 +18,9 @@ struct stroke_tile
 {
     int at;              // main position of lane 0
     int count;           // lanes on the canvas
-    int begin;           // candidates in reach of any pixel of the tile, or of the first of the next one
+    int begin;           // candidates in reach of any pixel of the tile
     int end;
+    bool narrowed;       // they are many: those of its corners, the first of the next tile too, tell which matter
     span reach;          // rows across in which a pixel can be in reach of any
     bool windows_matter; // some of those candidates may not count for some of the pixels
     int hint;            // a candidate, better one near the last row that was looked at
