@@ -1,10 +1,11 @@
 #pragma once
-// The inside of a stroke of one colour: pixels that need no search, because some place is so near that the nearest
-// one covers them, whichever it is. Internal to the file that includes it, as lanes are.
+// The inside of a stroke: pixels that need no search, because some place is so near that the nearest one covers
+// them, whichever it is. Internal to the file that includes it, as lanes are.
 
 #include "effect/raster/line_creator.hpp"
 #include "effect/raster/stroke_candidates.hpp"
 #include "effect/raster/stroke_tile.hpp"
+#include "effect/raster/stroke_windows.hpp"
 #include "effect/raster/swept_boxes.hpp"
 
 #include <algorithm>
@@ -13,86 +14,84 @@
 
 namespace
 {
+// Rows of each lane of a tile; none where last is below first.
+struct row_lanes
+{
+    int_lanes first;
+    int_lanes last;
+};
+
 class covered_rows
 {
 public:
-    covered_rows(const LineCreatorClass& creator, const stroke_candidates& places, int across) noexcept
-        : creator_(creator), places_(places), across_(across)
+    covered_rows(const LineCreatorClass& creator, const stroke_candidates& places, const stroke_windows& windows,
+                 int across) noexcept
+        : creator_(creator), places_(places), windows_(windows), across_(across)
     {
     }
 
-    // Takes the thinnest radius among the tile's candidates: that of the nearest one is no less. Tiles come in
-    // ascending order.
-    void enter(const stroke_tile& t) noexcept
+    // Rows that are sure to be inside the stroke by a pixel or more at each lane; not all of them. A pixel is when it
+    // is that far inside a disc around any of the tile's candidates with the thinnest radius among them: that of the
+    // nearest one is no less. Discs around places at a few distances along the stroke reach nearly as far as any.
+    row_lanes of(const stroke_tile& t) const noexcept
     {
-        radius_ = 0.0f;
-        const bool flat = creator_.samplesPerPixel <= 1; // no fall-off, no anti-aliasing
-        if (!places_.all_numbers || (!flat && creator_.coreOpacity != 1.0f) || t.begin >= t.end)
-            return;
-        const float safe = thinnest(t.begin, t.end) * 0.99999f - 0.001f;
-        radius_ = std::min(flat ? safe + 1.0f : safe - 1.0f, creator_.outerRadius - kInsideWindows);
-    }
-
-    // Rows of lane i, of those swept, that are sure to have the stroke's one colour in full. Not all of them.
-    // `counts(j)`: whether the lane's pixels look at place j at all, as far as the main axis goes.
-    template <class Counts>
-    span of(const stroke_tile& t, int i, span swept, Counts counts) noexcept
-    {
-        constexpr span none = {0, -1};
-        if (!(radius_ > kWorthwhile))
+        const row_lanes none = {all_lanes(across_), all_lanes(-1)};
+        const float radius = sure_radius(t);
+        if (!(radius > kWorthwhile))
             return none;
-        const float squared = radius_ * radius_;
-        const float center = t.centers[i];
-        const auto half_chord = [&](int j, float* half)
+        const int middle = places_.from(t.begin, t.end, t.centers[0]);
+        const float_lanes step_to_lane = __builtin_convertvector(kLaneNumbers, float_lanes) * places_.per_pixel;
+        const float squared = radius * radius;
+        constexpr int kDiscs = 7; // to each side
+        float_lanes top;
+        float_lanes bottom;
+        for (int disc = 0; disc <= 2 * kDiscs; ++disc)
         {
-            if (j < t.begin || j >= t.end || places_.cross[j] == stroke_candidates::kFarAway)
-                return false;
-            const float off = center - places_.main[j];
-            const float left = squared - off * off;
-            if (!(left > 0.0f) || !counts(j))
-                return false;
-            *half = std::sqrt(left);
-            return true;
-        };
-        // A walk along the stroke to the candidate whose disc reaches farthest up, or down.
-        const auto farthest = [&](int start, float direction, span* rows)
-        {
-            float half = 0.0f;
-            int j = start;
-            if (!half_chord(j, &half))
-                return -1;
-            float best = direction * places_.cross[j] + half;
-            for (const int step : {1, -1})
+            // The first one lies beside the pixels themselves.
+            const int side = disc % 2 == 0 ? disc / 2 : -(disc / 2 + 1);
+            const float off_by = static_cast<float>(disc == 0 ? 0 : side) * (radius / (kDiscs + 1.0f));
+            const int_lanes j = whole(step_to_lane + off_by * places_.per_pixel) + middle;
+            const int_lanes held = higher_of(lower_of(j, all_lanes(t.end - 1)), all_lanes(t.begin));
+            const float_lanes main = gather(places_.main, held);
+            const float_lanes cross = gather(places_.cross, held);
+            const float_lanes off = t.centers - main;
+            const float_lanes left = squared - off * off;
+            const float_lanes half = root(higher_of(left, all_lanes(0.0f)));
+            const int_lanes counts = (left > 0.0f) & windows_.inside(main) &
+                                     (cross != stroke_candidates::kFarAway);
+            if (disc == 0)
             {
-                float h = 0.0f;
-                while (half_chord(j + step, &h) && direction * places_.cross[j + step] + h > best)
-                {
-                    j += step;
-                    half = h;
-                    best = direction * places_.cross[j] + h;
-                }
+                if (lane_bits(counts) == 0)
+                    return none;
+                top = counts ? cross - half : all_lanes(kNothing);
+                bottom = counts ? cross + half : all_lanes(-kNothing);
+                continue;
             }
-            const float top = std::max(places_.cross[j] - half - 0.5f, -1.0f);
-            const float bottom = std::min(places_.cross[j] + half - 0.5f, static_cast<float>(across_));
-            rows->first = trunc_i32(std::ceil(static_cast<double>(top)));
-            rows->last = trunc_i32(std::floor(static_cast<double>(bottom)));
-            return j;
-        };
-        while (middle_ < places_.count - 1 && places_.main[middle_] < center)
-            ++middle_;
-        float unused = 0.0f;
-        span up = none;
-        span down = none;
-        up_ = farthest(half_chord(up_, &unused) ? up_ : middle_, -1.0f, &up);
-        down_ = farthest(half_chord(down_, &unused) ? down_ : middle_, 1.0f, &down);
-        span rows = joined(up, down);
-        rows = {std::max(rows.first, swept.first), std::min(rows.last, swept.last)};
-        return rows.first <= rows.last ? rows : none;
+            // Whatever meets the rows found so far.
+            const int_lanes meets = counts & (cross + half >= top) & (cross - half <= bottom);
+            top = meets ? lower_of(cross - half, top) : top;
+            bottom = meets ? higher_of(cross + half, bottom) : bottom;
+        }
+        // Rows whose centres lie between top and bottom.
+        const float_lanes first = higher_of(top - 0.5f, all_lanes(-1.0f)) + 2.0f;
+        const float_lanes last = lower_of(bottom + 0.5f, all_lanes(static_cast<float>(across_)));
+        const int_lanes some = top < bottom;
+        return {some ? whole(first) - 1 : none.first, some ? whole(last) - 1 : none.last};
     }
 
 private:
     static constexpr float kWorthwhile = 3.0f;    // pixels: below, the search costs less than finding the rows
     static constexpr float kInsideWindows = 1.2f; // pixels: what is this much nearer than the outer radius counts
+    static constexpr float kNothing = 1e9f;
+
+    float sure_radius(const stroke_tile& t) const noexcept
+    {
+        const bool flat = creator_.samplesPerPixel <= 1; // no fall-off, no anti-aliasing
+        if (!places_.all_numbers || !windows_.known() || (!flat && creator_.coreOpacity != 1.0f) || t.begin >= t.end)
+            return 0.0f;
+        const float safe = thinnest(t.begin, t.end) * 0.99999f - 0.001f;
+        return std::min(flat ? safe + 1.0f : safe - 1.0f, creator_.outerRadius - kInsideWindows);
+    }
 
     float thinnest(int begin, int end) const noexcept
     {
@@ -112,10 +111,7 @@ private:
 
     const LineCreatorClass& creator_;
     const stroke_candidates& places_;
+    const stroke_windows& windows_;
     int across_;
-    float radius_ = 0.0f; // a pixel this near to any of the tile's candidates is covered
-    int middle_ = 0;      // where walks along the stroke start
-    int up_ = -1;         // and where they ended for the position before
-    int down_ = -1;
 };
 } // namespace

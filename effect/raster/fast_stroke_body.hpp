@@ -155,32 +155,22 @@ private:
     void draw_listed(const stroke_candidates& places, stroke_reach reach) noexcept
     {
         nearest_place nearest(places, reach, canvas_.across);
-        covered_rows covered(creator_, places, canvas_.across);
         windows_.judge(places);
+        const covered_rows covered(creator_, places, windows_, canvas_.across);
         for (int at = begin_ - begin_ % kPanel; at < end_; at += kPanel)
             draw_panel(
                 at,
                 [&](stroke_tile& t)
                 {
                     nearest.enter(t);
-                    t.windows_matter = windows_.matter(places, t);
-                    if (!Multicolor)
-                        covered.enter(t);
-                },
-                [&](const stroke_tile& t, int lane, span swept)
-                {
-                    if (Multicolor)
-                        return span{0, -1};
-                    return covered.of(t, lane, swept,
-                                      [&](int j)
-                                      {
-                                          return !t.windows_matter ||
-                                                 windows_.holds(places, windows_.at(t.at + lane), j);
-                                      });
+                    t.all_inside = windows_.all_inside(places, t);
+                    return Multicolor ? no_rows() : covered.of(t);
                 },
                 [&](stroke_tile& t, int row, unsigned needed)
                 { return decide(nearest, places, t, row, needed); });
     }
+
+    row_lanes no_rows() const noexcept { return {all_lanes(canvas_.across), all_lanes(-1)}; }
 
     void draw_unlisted(stroke_reach reach) noexcept
     {
@@ -192,8 +182,8 @@ private:
                 {
                     for (int i = 0; i < t.count; ++i)
                         t.windows[i] = windows_.at(t.at + i);
+                    return no_rows();
                 },
-                [](const stroke_tile&, int, span) { return span{0, -1}; },
                 [&](stroke_tile& t, int row, unsigned needed)
                 {
                     unsigned written = 0;
@@ -206,10 +196,10 @@ private:
                 });
     }
 
-    // enter(tile) starts a tile; covered(tile, lane, swept rows) answers rows that are sure to have the stroke's one
-    // colour; decide(tile, row, lanes) draws the others, and answers which it wrote.
-    template <class Enter, class Covered, class Decide>
-    void draw_panel(int at, Enter enter, Covered covered, Decide decide) noexcept
+    // enter(tile) starts a tile and answers rows that are sure to be of the stroke's one colour where they are swept;
+    // decide(tile, row, lanes) draws the others, and answers which it wrote.
+    template <class Enter, class Decide>
+    void draw_panel(int at, Enter enter, Decide decide) noexcept
     {
         panel p;
         p.at = at;
@@ -221,24 +211,22 @@ private:
         {
             stroke_tile& t = p.tiles[first / kLanes];
             t = tile_at(at + first);
-            enter(t);
+            const row_lanes covered = enter(t);
             for (int i = 0; i < t.count; ++i)
-                add_column(p, t, i, swept, solid, covered);
+                add_column(p, t, i, {covered.first[i], covered.last[i]}, swept, solid);
         }
         draw_rows(p, swept, solid, decide);
     }
 
-    template <class Covered>
-    void add_column(panel& p, const stroke_tile& t, int i, row_masks& swept, row_masks& solid,
-                    Covered covered) noexcept
+    void add_column(panel& p, const stroke_tile& t, int i, span covered, row_masks& swept,
+                    row_masks& solid) noexcept
     {
         const int at = t.at + i;
         const span all = {outer_.first[at], outer_.last[at]};
         const span core = {core_.first[at], core_.last[at]};
         const span reached = {std::max(all.first, t.reach.first), std::min(all.last, t.reach.last)};
         span full = plane_ == nullptr ? core : span{0, -1};
-        if (all.first <= all.last)
-            full = joined(full, covered(t, i, all));
+        full = joined(full, {std::max(covered.first, all.first), std::min(covered.last, all.last)});
         swept.add(at - p.at, reached);
         solid.add(at - p.at, full);
         include(p.rows, reached);
@@ -311,12 +299,10 @@ private:
         needed &= lane_bits(near.place >= 0);
         if (needed == 0)
             return 0;
-        const unsigned doubtful =
-            t.windows_matter ? needed : needed & lane_bits(near.squared > windows_.sure_squared());
-        for (unsigned left = doubtful; left != 0; left &= left - 1)
+        for (unsigned left = needed & doubtful(places, t, near); left != 0; left &= left - 1)
             needed = recount(places, t, row, std::countr_zero(left), needed, near);
 
-        const int_lanes place = near.place > 0 ? near.place : all_lanes(0);
+        const int_lanes place = higher_of(near.place, all_lanes(0));
         const float_lanes radius =
             places.one_radius ? all_lanes(places.radius[0]) : gather(places.radius, place);
         const float_lanes offset =
@@ -330,6 +316,15 @@ private:
         const unsigned written = needed & lane_bits(shade_.shade(near.squared, radius, offset, &color));
         canvas_.store(t.at, row, written, color);
         return written;
+    }
+
+    // Lanes whose nearest place may not count for them.
+    unsigned doubtful(const stroke_candidates& places, const stroke_tile& t, const nearest_lanes& near) const noexcept
+    {
+        const unsigned far = lane_bits(near.squared > windows_.sure_squared());
+        if (t.all_inside || far == 0xff)
+            return far;
+        return far | ~lane_bits(windows_.inside(gather(places.main, higher_of(near.place, all_lanes(0)))));
     }
 
     // Looks again for a lane whose nearest place may not count for it.

@@ -119,6 +119,11 @@ inline float_lanes higher_of(float_lanes a, float_lanes b) noexcept
     return a > b ? a : b;
 }
 
+inline int_lanes lower_of(int_lanes a, int_lanes b) noexcept
+{
+    return a < b ? a : b;
+}
+
 inline int_lanes higher_of(int_lanes a, int_lanes b) noexcept
 {
     return a > b ? a : b;

@@ -22,7 +22,7 @@ struct stroke_tile
     int end;
     bool narrowed;       // they are many: those of its corners, the first of the next tile too, tell which matter
     span reach;          // rows across in which a pixel can be in reach of any
-    bool windows_matter; // some of those candidates may not count for some of the pixels
+    bool all_inside;     // no candidate lies near the canvas's ends
     int hint;            // a candidate, better one near the last row that was looked at
     float_lanes centers; // main coordinate of the pixels' centres
     index_window windows[kLanes]; // where samples are looked at in place of candidates

@@ -39,14 +39,19 @@ public:
         sure_squared_ = places.even && sure > 0.0f ? sure * sure * 0.9999f : -1.0f;
     }
 
-    // A place no farther than this (squared distance) counts, in tiles for which windows do not matter.
+    // Whether such distances are known at all: places lie where their indices say.
+    bool known() const noexcept { return sure_squared_ >= 0.0f; }
+
+    // A place no farther than this (squared distance) counts, if it is `inside`.
     float sure_squared() const noexcept { return sure_squared_; }
 
-    // Whether each place of the tile may have to be asked. The canvas cuts windows off at its ends.
-    bool matter(const stroke_candidates& places, const stroke_tile& t) const noexcept
+    // Whether main coordinates are so far from the canvas's ends, which cut windows off, that they do not matter.
+    int_lanes inside(float_lanes main) const noexcept { return (main >= margin_) & (main <= size_ - margin_); }
+
+    // Whether all of a tile's places are inside.
+    bool all_inside(const stroke_candidates& places, const stroke_tile& t) const noexcept
     {
-        return sure_squared_ < 0.0f || t.begin >= t.end || places.main[t.begin] < margin_ ||
-               places.main[t.end - 1] > size_ - margin_;
+        return t.begin < t.end && places.main[t.begin] >= margin_ && places.main[t.end - 1] <= size_ - margin_;
     }
 
     // Whether place j lies in the window, as far as the main axis goes.
