@@ -82,6 +82,8 @@ public:
         t.end = few ? near_.end : wide_.end;
         t.reach = rows_in_reach(t);
         t.hint = -1;
+        t.looked = {0, -1};
+        t.single = t.narrowed && places_.regular && falls_once(t);
     }
 
     // For one row of the tile.
@@ -94,6 +96,8 @@ public:
             look_at(t, t.begin, t.end, center, &near);
             return near;
         }
+        if (t.single)
+            return search_single(t, row);
         int begin = 0;
         int end = 0;
         if (narrow(t, row, &begin, &end))
@@ -141,6 +145,118 @@ private:
             near->place = nearer ? number[r] + (begin + r * length - 1) : near->place;
             near->squared = lower_of(best[r], near->squared);
         }
+    }
+
+    // Whether the squared distances of neighbouring candidates from any pixel of the tile, or from its corners, fall
+    // and then rise, each of their differences greater than the one before by more than rounding can undo. Twice the
+    // square of the spacing is what they grow by on a straight line; a bend takes away twice its second difference
+    // times the distance across.
+    bool falls_once(const stroke_tile& t) const noexcept
+    {
+        if (t.end - t.begin < 3 || t.reach.first > t.reach.last)
+            return false;
+        float_lanes bend = all_lanes(0.0f);
+        float_lanes low = all_lanes(places_.cross[t.begin]);
+        float_lanes high = low;
+        // The last lanes may be some that were looked at before.
+        for (int done = t.begin + 1; done < t.end - 1; done += kLanes)
+        {
+            const int j = std::max(t.begin + 1, std::min(done, t.end - 1 - kLanes));
+            const auto before = load_lanes<float_lanes>(places_.cross + j - 1);
+            const auto at = load_lanes<float_lanes>(places_.cross + j);
+            const auto after = load_lanes<float_lanes>(places_.cross + j + 1);
+            bend = higher_of(magnitude((after - at) - (at - before)), bend);
+            low = lower_of(lower_of(before, after), low);
+            high = higher_of(higher_of(before, after), high);
+        }
+        for (int i = 1; i < kLanes; ++i)
+        {
+            bend[0] = std::max(bend[0], bend[i]);
+            low[0] = std::min(low[0], low[i]);
+            high[0] = std::max(high[0], high[i]);
+        }
+        const float across = std::max(high[0] - static_cast<float>(t.reach.first),
+                                      static_cast<float>(t.reach.last + 1) - low[0]);
+        const float along = corner_reach_ + static_cast<float>(kLanes);
+        const float growth = 2.0f / (places_.per_pixel * places_.per_pixel) - 2.0f * across * bend[0];
+        return growth > 2e-6f * (across * across + along * along) + 1e-3f;
+    }
+
+    // The search where squared distances fall once and then rise: the nearest place follows the last one that is
+    // nearer than the one before it.
+    nearest_lanes search_single(stroke_tile& t, int row) noexcept
+    {
+        if (row < t.looked.first || row > t.looked.last)
+            look_ahead(t, row);
+        const float center = static_cast<float>(row) + 0.5f;
+        const int count = t.highest - t.lowest + 1;
+        nearest_lanes near = {all_lanes(-1), all_lanes(reach_.squared)};
+        if (count > kBlock)
+        {
+            for (int begin = t.lowest; begin <= t.highest; begin += kBlock)
+                look_at(t, begin, std::min(t.highest + 1, begin + kBlock), center, &near);
+            return near;
+        }
+        for (int j = 0; j < count; j += kLanes)
+        {
+            const float_lanes dc = center - load_lanes<float_lanes>(places_.cross + t.lowest + j);
+            store_lanes(across_squared_ + j, dc * dc);
+        }
+        const auto squared = [&](int j)
+        {
+            const float_lanes dm = t.centers - places_.main[t.lowest + j];
+            return dm * dm + across_squared_[j];
+        };
+        int_lanes falls = all_lanes(0); // minus how often they did
+        float_lanes before = squared(0);
+        for (int j = 1; j < count; ++j)
+        {
+            const float_lanes q = squared(j);
+            falls += q < before;
+            before = q;
+        }
+        const int_lanes place = t.lowest - falls;
+        const float_lanes dm = t.centers - gather(places_.main, place);
+        const float_lanes dc = center - gather(places_.cross, place);
+        const float_lanes q = dm * dm + dc * dc;
+        return {q < reach_.squared ? place : all_lanes(-1), q};
+    }
+
+    // Between two rows the nearest place to a pixel of some column lies between its nearest places in those rows,
+    // and along a row between those of its ends; but for rounding, which may make it the next one.
+    void look_ahead(stroke_tile& t, int row) noexcept
+    {
+        constexpr int kRows = 7;
+        t.looked = {row, std::max(row, std::min(row + kRows, t.reach.last))};
+        if (t.hint < t.begin || t.hint >= t.end)
+            t.hint = places_.from(t.begin, t.end - 1, static_cast<float>(t.at));
+        const int a = walk(t, t.at, t.looked.first, t.hint);
+        const int b = walk(t, t.at, t.looked.last, a);
+        const int c = walk(t, t.at + kLanes - 1, t.looked.last, b);
+        const int d = walk(t, t.at + kLanes - 1, t.looked.first, c);
+        t.hint = a;
+        t.lowest = std::max(std::min(std::min(a, b), std::min(c, d)) - 1, t.begin);
+        t.highest = std::min(std::max(std::max(a, b), std::max(c, d)) + 1, t.end - 1);
+    }
+
+    // The nearest place to a pixel, step by step from one of them.
+    int walk(const stroke_tile& t, int at, int row, int from) const noexcept
+    {
+        const float center_main = static_cast<float>(at) + 0.5f;
+        const float center_cross = static_cast<float>(row) + 0.5f;
+        const auto squared = [&](int j)
+        {
+            const float dm = center_main - places_.main[j];
+            const float dc = center_cross - places_.cross[j];
+            return dm * dm + dc * dc;
+        };
+        int j = from;
+        float q = squared(j);
+        for (float next = 0.0f; j + 1 < t.end && (next = squared(j + 1)) < q; ++j)
+            q = next;
+        for (float next = 0.0f; j > t.begin && (next = squared(j - 1)) <= q; --j)
+            q = next;
+        return j;
     }
 
     span rows_in_reach(const stroke_tile& t) const noexcept

@@ -73,6 +73,7 @@ bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int 
     float before = along_y ? creator.points[first].y : creator.points[first].x;
     float before_across = along_y ? creator.points[first].x : creator.points[first].y;
     bool falls = false;
+    bool exact = true;
     bool numbers_only = true;
     bool same = true;
     bool in_place = std::fabs(first_main) < kEvenBelow;
@@ -120,6 +121,7 @@ bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int 
             color[n] = std::bit_cast<std::int32_t>(cur.color);
         ++n;
         falls |= !(before <= main_at);
+        exact &= i == first || main_at - before == spacing;
         numbers_only &= cur.halfWidth == cur.halfWidth;
         same &= cur.halfWidth == thickness;
         in_place &= std::fabs(first_main - static_cast<float>(i) * spacing - main_at) <= kEvenWithin;
@@ -131,6 +133,7 @@ bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int 
     all_numbers = numbers_only;
     one_radius = same;
     even = in_place;
+    regular = exact && !bridged;
     for (int i = 0; i < kPadding; ++i)
     {
         main[count + i] = kFarAway;

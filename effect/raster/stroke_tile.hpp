@@ -24,6 +24,10 @@ struct stroke_tile
     span reach;          // rows across in which a pixel can be in reach of any
     bool all_inside;     // no candidate lies near the canvas's ends
     int hint;            // a candidate, better one near the last row that was looked at
+    bool single;         // squared distances of its candidates fall and then rise, seen from any of its pixels
+    span looked;         // rows for which those that may be nearest are known,
+    int lowest;          // from here
+    int highest;         // to here, for tiles with a single fall and rise
     float_lanes centers; // main coordinate of the pixels' centres
     index_window windows[kLanes]; // where samples are looked at in place of candidates
 };
