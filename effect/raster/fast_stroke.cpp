@@ -23,7 +23,7 @@ bool draw_stroke_fast(LineCreatorClass& creator) noexcept
     const bool one_color = creator.pixelFunction == &LineCreatorClass::CalculatePixelMonocolor;
     const bool ours = (solid_core || creator.subRenderFunction == &LineCreatorClass::SubRenderMulticolor) &&
                       (one_color || creator.pixelFunction == &LineCreatorClass::CalculatePixelMulticolor);
-    if (!ours || (creator.axis != 0 && creator.axis != 1) || creator.pointCount <= 0)
+    if (!ours || (solid_core && !one_color) || (creator.axis != 0 && creator.axis != 1) || creator.pointCount <= 0)
         return false;
     const float first_main = creator.axis == 1 ? creator.points[0].y : creator.points[0].x;
     if (!(std::fabs(first_main) < 1e8f) || creator.pool == nullptr ||

@@ -3,6 +3,7 @@
 // that file.
 
 #include "effect/model/work_limits.hpp"
+#include "effect/raster/cell_rows.hpp"
 #include "effect/raster/covered_rows.hpp"
 #include "effect/raster/line_creator.hpp"
 #include "effect/raster/nearest_place.hpp"
@@ -60,12 +61,15 @@ public:
         const stroke_reach reach(widest(used));
         reach_squared_ = reach.squared;
         stroke_candidates places;
-        const bool collected =
-            places.collect(creator_, used.first, used.last, reach.distance, Multicolor, pool_rest) ||
-            (plane_ == nullptr &&
-             places.collect(creator_, used.first, used.last, reach.distance, Multicolor, mask));
+        scratch_memory* rest = &pool_rest;
+        bool collected = places.collect(creator_, used.first, used.last, reach.distance, Multicolor, pool_rest);
+        if (!collected && plane_ == nullptr)
+        {
+            rest = &mask;
+            collected = places.collect(creator_, used.first, used.last, reach.distance, Multicolor, mask);
+        }
         if (collected && places.ascending)
-            draw_listed(places, reach);
+            draw_listed(places, reach, *rest);
         else
             draw_unlisted(reach);
         return true;
@@ -74,6 +78,7 @@ public:
 private:
     static constexpr int kPanel = row_masks::kColumns;
     static constexpr int kTilesOfPanel = kPanel / kLanes;
+    static constexpr float kThin = 6.0f; // pixels: up to this reach, searches cost less than following cells
     static constexpr std::uint8_t kSwept = 1;
     static constexpr std::uint8_t kCore = 2;
 
@@ -152,22 +157,68 @@ private:
         return t;
     }
 
-    void draw_listed(const stroke_candidates& places, stroke_reach reach) noexcept
+    void draw_listed(const stroke_candidates& places, stroke_reach reach, scratch_memory& memory) noexcept
     {
         nearest_place nearest(places, reach, canvas_.across);
         windows_.judge(places);
         const covered_rows covered(creator_, places, windows_, canvas_.across);
-        for (int at = begin_ - begin_ % kPanel; at < end_; at += kPanel)
-            draw_panel(
-                at,
-                [&](stroke_tile& t)
-                {
-                    nearest.enter(t);
-                    t.all_inside = windows_.all_inside(places, t);
-                    return Multicolor ? no_rows() : covered.of(t);
-                },
-                [&](stroke_tile& t, int row, unsigned needed)
-                { return decide(nearest, places, t, row, needed); });
+        cell_rows cells(places, canvas_, reach.distance);
+        const bool by_cells = Multicolor && plane_ == nullptr && reach.distance > kThin && cells.make_room(memory);
+        nearest_place ahead(places, reach, canvas_.across);
+        const int step = by_cells ? cells.columns() : kPanel;
+        for (int from = begin_ - begin_ % kPanel; from < end_; from += step)
+        {
+            if (by_cells && draw_cells(cells, ahead, covered, places, reach, from))
+                continue;
+            for (int at = from; at < std::min(from + step, end_); at += kPanel)
+                draw_panel(
+                    at,
+                    [&](stroke_tile& t)
+                    {
+                        nearest.enter(t);
+                        t.all_inside = windows_.all_inside(places, t);
+                        return Multicolor ? no_rows() : covered.of(t);
+                    },
+                    [&](stroke_tile& t, int row, unsigned needed)
+                    { return decide(nearest, places, t, row, needed); });
+        }
+    }
+
+    // Draws a panel by the cells of its samples. False, with nothing drawn, where they cannot be followed.
+    bool draw_cells(cell_rows& cells, nearest_place& ahead, const covered_rows& covered,
+                    const stroke_candidates& places, stroke_reach reach, int at) noexcept
+    {
+        cell_rows::panel p;
+        p.at = at;
+        p.count = std::min(cells.columns(), canvas_.size - at);
+        for (int first = 0; first < p.count; first += kLanes)
+        {
+            stroke_tile t = tile_at(at + first);
+            ahead.enter(t);
+            const row_lanes sure = covered.of(t);
+            for (int i = 0; i < kLanes; ++i)
+            {
+                const span swept = i < t.count ? span{outer_.first[t.at + i], outer_.last[t.at + i]}
+                                               : span{canvas_.across, -1};
+                p.needed_first[first + i] = std::max(swept.first, t.reach.first);
+                p.needed_last[first + i] = std::min(swept.last, t.reach.last);
+                p.sure_first[first + i] = sure.first[i];
+                p.sure_last[first + i] = sure.last[i];
+            }
+        }
+        return cells.draw(p,
+                          [&](int main_at, int row, unsigned needed, unsigned sure, int_lanes place, int_lanes* color)
+                          {
+                              *color = gather(places.color, place);
+                              if ((needed & ~sure) == 0)
+                                  return needed;
+                              const stroke_tile t = tile_at(main_at);
+                              const float_lanes dm = t.centers - gather(places.main, place);
+                              const float_lanes dc = static_cast<float>(row) + 0.5f - gather(places.cross, place);
+                              nearest_lanes near = {place, dm * dm + dc * dc};
+                              const unsigned rim = needed & ~sure & lane_bits(near.squared < reach.squared);
+                              return (needed & sure) | shaded(places, t, row, rim, near, color);
+                          });
     }
 
     row_lanes no_rows() const noexcept { return {all_lanes(canvas_.across), all_lanes(-1)}; }
@@ -299,23 +350,29 @@ private:
         needed &= lane_bits(near.place >= 0);
         if (needed == 0)
             return 0;
+        int_lanes color;
+        const unsigned written = shaded(places, t, row, needed, near, &color);
+        canvas_.store(t.at, row, written, color);
+        return written;
+    }
+
+    // The colours of lanes with these nearest places, and which of them are to be written.
+    unsigned shaded(const stroke_candidates& places, const stroke_tile& t, int row, unsigned needed, nearest_lanes& near,
+                    int_lanes* color) const noexcept
+    {
         for (unsigned left = needed & doubtful(places, t, near); left != 0; left &= left - 1)
             needed = recount(places, t, row, std::countr_zero(left), needed, near);
-
         const int_lanes place = higher_of(near.place, all_lanes(0));
         const float_lanes radius =
             places.one_radius ? all_lanes(places.radius[0]) : gather(places.radius, place);
         const float_lanes offset =
             along_y_ ? t.centers - gather(places.main, place)
                      : static_cast<float>(row) + 0.5f - gather(places.cross, place);
-        int_lanes color;
         if constexpr (Multicolor)
-            color = gather(places.color, place);
+            *color = gather(places.color, place);
         else
-            color = all_lanes(std::bit_cast<std::int32_t>(creator_.points[0].color));
-        const unsigned written = needed & lane_bits(shade_.shade(near.squared, radius, offset, &color));
-        canvas_.store(t.at, row, written, color);
-        return written;
+            *color = all_lanes(std::bit_cast<std::int32_t>(creator_.points[0].color));
+        return needed & lane_bits(shade_.shade(near.squared, radius, offset, color));
     }
 
     // Lanes whose nearest place may not count for them.

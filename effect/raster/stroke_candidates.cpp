@@ -48,24 +48,42 @@ numbers within(const gap_bridge& bridge, bool along_y, float low, float high) no
 bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int last, float reach, bool colors,
                                 scratch_memory& memory) noexcept
 {
-    const bool along_y = creator.axis == 1;
-    const int k = creator.samplesPerPixel;
-    const auto across = static_cast<float>(along_y ? creator.width : creator.height);
+    // Most strokes have samples alone.
+    const std::int64_t samples = std::int64_t{first} - last + 1;
+    scratch_memory left = memory;
+    if (!cut(samples, colors, left))
+        return false;
+    const outcome came = fill(creator, first, last, reach, samples, false);
+    if (came == outcome::done)
+    {
+        memory = left;
+        return true;
+    }
     const std::uint64_t bytes_each = (colors ? 6 : 5) * sizeof(float);
-    const std::uint64_t slack = 6 * 32 + kPadding * bytes_each;
-    if (memory.left() < slack)
-        return false;
-    const std::uint64_t fits = std::min<std::uint64_t>((memory.left() - slack) / bytes_each, 1U << 30U);
-    const auto room = static_cast<std::int64_t>(fits);
-    if (room < std::int64_t{first} - last + 1)
-        return false;
+    const std::uint64_t slack = 6 * 32 + kPadding * bytes_each; // there is more than that: samples fitted
+    const auto room = static_cast<std::int64_t>(std::min<std::uint64_t>((memory.left() - slack) / bytes_each, 1U << 30U));
+    return cut(room, colors, memory) && fill(creator, first, last, reach, room, true) == outcome::done;
+}
+
+bool stroke_candidates::cut(std::int64_t room, bool colors, scratch_memory& memory) noexcept
+{
     main = memory.take<float>(room + kPadding);
     cross = memory.take<float>(room + kPadding);
     radius = memory.take<float>(room + kPadding);
     sample = memory.take<std::int32_t>(room + kPadding);
     place = memory.take<std::int32_t>(room + kPadding);
     color = colors ? memory.take<std::int32_t>(room + kPadding) : nullptr;
+    return main != nullptr && cross != nullptr && radius != nullptr && sample != nullptr && place != nullptr &&
+           (color != nullptr || !colors);
+}
 
+stroke_candidates::outcome stroke_candidates::fill(const LineCreatorClass& creator, int first, int last, float reach,
+                                                   std::int64_t room, bool bridges) noexcept
+{
+    const bool along_y = creator.axis == 1;
+    const int k = creator.samplesPerPixel;
+    const auto across = static_cast<float>(along_y ? creator.width : creator.height);
+    const bool colors = color != nullptr;
     per_pixel = static_cast<float>(k);
     const float first_main = along_y ? creator.points[0].y : creator.points[0].x;
     const float spacing = 1.0f / per_pixel;
@@ -89,9 +107,11 @@ bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int 
             const gap_bridge bridge(creator.points[i + 1], cur, along_y, k);
             if (bridge.count > 0)
             {
+                if (!bridges)
+                    return outcome::bridge;
                 const numbers near = within(bridge, along_y, -reach, across + reach);
                 if (near.end - near.begin > room - n)
-                    return false;
+                    return outcome::no_room;
                 bridged = bridged || near.begin < near.end;
                 for (std::int64_t number = near.begin; number < near.end; ++number, ++n)
                 {
@@ -111,7 +131,7 @@ bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int 
             }
         }
         if (n >= room)
-            return false;
+            return outcome::no_room;
         main[n] = main_at;
         cross[n] = 0.0f <= at && at <= across ? at : kFarAway;
         radius[n] = cur.halfWidth;
@@ -139,7 +159,7 @@ bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int 
         main[count + i] = kFarAway;
         cross[count + i] = kFarAway;
     }
-    return true;
+    return outcome::done;
 }
 
 int stroke_candidates::first_of(int index) const noexcept

@@ -94,4 +94,15 @@ struct stroke_candidates
     bool even = true;        // samples lie where their indices say, to a hundredth of a pixel
 
     static constexpr float kFarAway = 1e18f;
+
+private:
+    enum class outcome
+    {
+        done,
+        no_room,
+        bridge, // where none was expected
+    };
+    outcome fill(const LineCreatorClass& creator, int first, int last, float reach, std::int64_t room,
+                 bool bridges) noexcept;
+    bool cut(std::int64_t room, bool colors, scratch_memory& memory) noexcept;
 };
