@@ -44,6 +44,34 @@ public:
         int needed_last[kMostColumns];
         int sure_first[kMostColumns];
         int sure_last[kMostColumns];
+        // For each eight of them: rows in which some are needed, and in which all are, and sure.
+        int any_first[kMostColumns / kLanes];
+        int any_last[kMostColumns / kLanes];
+        int all_first[kMostColumns / kLanes];
+        int all_last[kMostColumns / kLanes];
+
+        void set(int column, span needed, span sure) noexcept
+        {
+            needed_first[column] = needed.first;
+            needed_last[column] = needed.last;
+            sure_first[column] = std::max(sure.first, needed.first);
+            sure_last[column] = std::min(sure.last, needed.last);
+            const int group = column / kLanes;
+            if (column % kLanes == 0)
+            {
+                any_first[group] = std::numeric_limits<int>::max();
+                any_last[group] = -1;
+                all_first[group] = 0;
+                all_last[group] = std::numeric_limits<int>::max();
+            }
+            if (needed.first <= needed.last)
+            {
+                any_first[group] = std::min(any_first[group], needed.first);
+                any_last[group] = std::max(any_last[group], needed.last);
+            }
+            all_first[group] = std::max(all_first[group], sure_first[column]);
+            all_last[group] = std::min(all_last[group], sure_last[column]);
+        }
     };
 
     // `reach`: how far from its nearest sample a pixel can be, in pixels.
@@ -53,7 +81,7 @@ public:
         const float along = places.per_pixel;
         // Of a boundary, in pixels: two distances, each of a relative error of four halves of an ulp, of samples
         // 1 / per_pixel apart; and of its own place, within a few hundred pixels of its panel's.
-        near_ = 2.8e-7f * reach * reach * along + 2.5e-4f;
+        near_ = kRounding * reach * reach * along + kOwnRounding;
         gone_ = 4.0f * near_;
         // Wide strokes have many samples beside a panel, thin ones many empty pixels within.
         columns_ = std::clamp(trunc_i32(static_cast<double>(reach * 2.0f)) / 64 * 64, 64, kMostColumns);
@@ -113,6 +141,8 @@ public:
     }
 
 private:
+    static constexpr float kRounding = 2.8e-7f;
+    static constexpr float kOwnRounding = 2.5e-4f;
     static constexpr float kMostDoubt = 0.05f; // pixels: beyond, too many would be decided one by one
     static constexpr float kFar = 1e6f;
     static constexpr int kStride = kMostColumns + 2 * kLanes;
@@ -161,6 +191,7 @@ private:
         if (highest == stroke_candidates::kFarAway)
             return false;
         origin_ = std::floor(0.5f * (lowest + highest));
+        half_height_ = highest - origin_ + 2.0f;
         all_.count = end - begin;
         for (int j = begin; j < end; ++j)
         {
@@ -216,15 +247,25 @@ private:
             return;
         copy_all();
         cursor_ = 0;
+        end_ = live_.count;
         int begun = row;            // of the rows that wait to be written together
         std::uint64_t written[kMostColumns / 64] = {}; // in the tiles of the row before
         for (;; row += step)
         {
             const float y = y_of(row, origin_);
-            if (y < from || y > to)
+            const bool all = from <= y && y <= to;
+            if (!all)
                 drop_gone(y);
-            lay_row(row, y);
-            paint_row(row, paint, written);
+            const span columns = columns_of(row);
+            if (columns.first <= columns.last)
+            {
+                lay_row(row, y, all, columns);
+                paint_row(row, columns, paint, written);
+            }
+            else
+            {
+                std::fill_n(row_bits_[row % kLanes], kMostColumns / kLanes, std::uint8_t{0});
+            }
             const bool together = canvas_.fills_across();
             if (together && (row == last || (step > 0 ? row % kLanes == kLanes - 1 : row % kLanes == 0)))
             {
@@ -308,61 +349,135 @@ private:
 
     float left_of(int i, float y) const noexcept { return live_.left[i] + live_.move[i] * y; }
 
-    // What a row's pixels are nearest to.
-    void lay_row(int row, float y) noexcept
+    // Columns of the panel from the first to the last group with pixels in a row.
+    span columns_of(int row) const noexcept
     {
-        // From a cell that begins before the panel to one that begins behind it.
+        const panel& p = *panel_;
+        const int groups = (count_ + kLanes - 1) / kLanes;
+        int first = 0;
+        int last = groups - 1;
+        while (first <= last && (row < p.any_first[first] || row > p.any_last[first]))
+            ++first;
+        while (first <= last && (row < p.any_first[last] || row > p.any_last[last]))
+            --last;
+        return {first * kLanes, last * kLanes + kLanes - 1};
+    }
+
+    // What a row's pixels are nearest to, in these columns.
+    void lay_row(int row, float y, bool in_order, span columns) noexcept
+    {
+        find_window(y, columns);
+        const float near = doubt_in_row(y);
+        const int doubts = in_order ? find_starts<true>(y, columns, near) : find_starts<false>(y, columns, near);
+        lay_places();
+        for (int d = 0; d < doubts; ++d)
+            settle(doubts_[d], row, y, in_order);
+    }
+
+    // From a cell that begins before the columns up to one that begins behind them.
+    void find_window(float y, span columns) noexcept
+    {
+        const float before = static_cast<float>(columns.first - 1);
+        const auto behind = static_cast<float>(columns.last + 2);
         cursor_ = std::min(cursor_, live_.count - 1);
-        while (cursor_ > 0 && left_of(cursor_, y) > -1.0f)
+        while (cursor_ > 0 && left_of(cursor_, y) > before)
             --cursor_;
-        while (cursor_ + 1 < live_.count && left_of(cursor_ + 1, y) < -1.0f)
+        while (cursor_ + 1 < live_.count && left_of(cursor_ + 1, y) < before)
             ++cursor_;
-        const int width = (count_ + kLanes - 1) / kLanes * kLanes;
-        const auto behind = static_cast<float>(width + 1);
+        end_ = std::clamp(end_, cursor_ + 1, live_.count);
+        while (end_ < live_.count && left_of(end_, y) < behind)
+            ++end_;
+        while (end_ > cursor_ + 1 && left_of(end_ - 1, y) > behind)
+            --end_;
+    }
+
+    // How near to a boundary a pixel's centre is in doubt, with what is farthest off in this row.
+    float doubt_in_row(float y) const noexcept
+    {
+        const float far = std::min(reach_, std::fabs(y) + half_height_);
+        return kRounding * far * far * places_.per_pixel + kOwnRounding;
+    }
+
+    // The first pixel of each cell, and cells whose boundary lies in doubt of a pixel's centre; how many those are.
+    template <bool InOrder>
+    int find_starts(float y, span columns, float near) noexcept
+    {
+        const float* const lefts = live_.left;
+        const float* const moves = live_.move;
+        std::int32_t* const starts = start_;
+        // Held half-way between pixels, where nothing is in doubt.
+        const float_lanes first = all_lanes(static_cast<float>(columns.first) + 0.5f);
+        const float_lanes last = all_lanes(static_cast<float>(columns.last) + 1.5f);
+        const float sure = 0.5f - near;
         int doubts = 0;
-        int end = cursor_;
-        for (bool inside = true; inside; end += kLanes)
+        for (int i = cursor_; i < end_; i += kLanes)
         {
-            const float_lanes left =
-                load_lanes<float_lanes>(live_.left + end) + load_lanes<float_lanes>(live_.move + end) * y;
-            const float_lanes right =
-                load_lanes<float_lanes>(live_.left + end + 1) + load_lanes<float_lanes>(live_.move + end + 1) * y;
-            const float_lanes held = lower_of(higher_of(left, all_lanes(0.0f)), all_lanes(behind));
+            const float_lanes left = load_lanes<float_lanes>(lefts + i) + load_lanes<float_lanes>(moves + i) * y;
+            const float_lanes held = lower_of(higher_of(left, first), last);
             const int_lanes start = whole(held);
+            store_lanes(starts + i, start);
             const float_lanes past = held - __builtin_convertvector(start, float_lanes);
-            store_lanes(start_ + end, start);
-            const int_lanes doubtful = ((past < near_) | (past > 1.0f - near_) | (right < left)) & (left > 0.0f) &
-                                       (left < behind);
+            int_lanes doubtful = magnitude(past - 0.5f) > sure;
+            if constexpr (!InOrder)
+            {
+                const float_lanes right =
+                    load_lanes<float_lanes>(lefts + i + 1) + load_lanes<float_lanes>(moves + i + 1) * y;
+                doubtful |= (right < left) & (left > first - 1.0f) & (left < last + 1.0f);
+            }
             for (unsigned bits = lane_bits(doubtful); bits != 0; bits &= bits - 1)
-                doubts_[doubts++] = end + std::countr_zero(bits);
-            inside = end + kLanes < live_.count && left[kLanes - 1] < behind;
+                doubts_[doubts++] = i + std::countr_zero(bits);
         }
-        end = std::min(end, live_.count);
-        start_[end] = width + 1;
-        for (int i = cursor_; i < end; ++i)
+        starts[end_] = columns.last + 2;
+        return doubts;
+    }
+
+    // Each cell's number from its first pixel on, for more pixels than it has: the next one's lie over it.
+    void lay_places() noexcept
+    {
+        const std::int32_t* const starts = start_;
+        const std::int32_t* const places = live_.place;
+        std::int32_t* const found = found_;
+        const auto lay = [&](int i) { store_lanes(found + starts[i], all_lanes(places[i])); };
+        constexpr int kTogether = 4;
+        int i = cursor_;
+        for (; i + kTogether <= end_; i += kTogether)
         {
-            const std::int32_t place = live_.place[i];
-            const int next = start_[i + 1];
+            if (starts[i + kTogether] - starts[i] > kLanes)
+            {
+                lay_widely(i, i + kTogether);
+                continue;
+            }
+            lay(i);
+            lay(i + 1);
+            lay(i + 2);
+            lay(i + 3);
+        }
+        lay_widely(i, end_);
+    }
+
+    void lay_widely(int begin, int end) noexcept
+    {
+        for (int i = begin; i < end; ++i)
+        {
             int pixel = start_[i];
             do
             {
-                for (int k = 0; k < 4; ++k)
-                    found_[pixel + k] = place;
-                pixel += 4;
-            } while (pixel < next);
+                store_lanes(found_ + pixel, all_lanes(live_.place[i]));
+                pixel += kLanes;
+            } while (pixel < start_[i + 1]);
         }
-        for (int d = 0; d < doubts; ++d)
-            settle(doubts_[d], row, y);
     }
 
-    // Decides the pixels whose centres lie next to the boundary of cell i by distances as the rasteriser has them.
-    void settle(int i, int row, float y) noexcept
+    // Decides the pixels whose centres lie next to the boundary of cell i by distances as the rasteriser has them: the
+    // one that it is nearest to, or where boundaries have crossed, both.
+    void settle(int i, int row, float y, bool in_order) const noexcept
     {
-        const int pixel = trunc_i32(static_cast<double>(left_of(i, y)));
-        for (const int p : {pixel - 1, pixel})
+        const auto left = static_cast<double>(left_of(i, y));
+        const int first = trunc_i32(in_order ? left + 0.5 : left) - 1;
+        for (int p = std::max(first, 0); p <= (in_order ? first : first + 1); ++p)
         {
-            if (p < 0 || p >= count_)
-                continue;
+            if (p >= count_)
+                return;
             const auto behind = static_cast<float>(p + 1); // boundaries below lie before the pixel's centre
             int begin = i;
             while (begin > 0 && left_of(begin, y) >= behind - 2.0f * gone_)
@@ -395,25 +510,32 @@ private:
     }
 
     template <class Paint>
-    void paint_row(int row, Paint paint, std::uint64_t* written) noexcept
+    void paint_row(int row, span columns, Paint paint, std::uint64_t* written) noexcept
     {
         const bool together = canvas_.fills_across();
         const int slot = row % kLanes;
-        for (int i = 0; i < count_; i += kLanes)
+        const panel& p = *panel_;
+        std::fill_n(row_bits_[slot], kMostColumns / kLanes, std::uint8_t{0});
+        for (int i = columns.first; i <= columns.last; i += kLanes)
         {
-            unsigned bits = between(panel_->needed_first, panel_->needed_last, i, row);
-            if (bits != 0)
+            const int group = i / kLanes;
+            if (row < p.any_first[group] || row > p.any_last[group])
+                continue;
+            unsigned sure = 0xff;
+            unsigned bits = 0xff;
+            if (row < p.all_first[group] || row > p.all_last[group])
             {
-                const unsigned sure = between(panel_->sure_first, panel_->sure_last, i, row);
-                int_lanes color;
-                bits = paint(at_ + i, row, bits, sure, load_lanes<int_lanes>(found_ + i), &color);
-                if (together)
-                    store_lanes(rows_ + slot * kStride + i, color);
-                else
-                    canvas_.store(at_ + i, row, bits, color);
-                written[i / 64] |= std::uint64_t{bits} << static_cast<unsigned>(i % 64);
+                bits = between(p.needed_first, p.needed_last, i, row);
+                sure = between(p.sure_first, p.sure_last, i, row);
             }
-            row_bits_[slot][i / kLanes] = static_cast<std::uint8_t>(bits);
+            int_lanes color;
+            bits = paint(at_ + i, row, bits, sure, load_lanes<int_lanes>(found_ + i), &color);
+            if (together)
+                store_lanes(rows_ + slot * kStride + i, color);
+            else
+                canvas_.store(at_ + i, row, bits, color);
+            written[i / 64] |= std::uint64_t{bits} << static_cast<unsigned>(i % 64);
+            row_bits_[slot][group] = static_cast<std::uint8_t>(bits);
         }
     }
 
@@ -487,10 +609,12 @@ private:
     std::int32_t* rows_ = nullptr;   // colours of eight rows that wait
     std::uint8_t row_bits_[kLanes][kMostColumns / kLanes]; // and which of them are to be written
     int columns_ = 0;
-    int cursor_ = 0;
+    int cursor_ = 0; // the cells that begin before the panel and behind it
+    int end_ = 0;
     int at_ = 0;
     int count_ = 0;
     const panel* panel_ = nullptr;
-    float origin_ = 0.0f; // across: what rows are counted from
+    float origin_ = 0.0f;      // across: what rows are counted from
+    float half_height_ = 0.0f; // of the samples in reach, and more
 };
 } // namespace

@@ -194,16 +194,14 @@ private:
         for (int first = 0; first < p.count; first += kLanes)
         {
             stroke_tile t = tile_at(at + first);
-            ahead.enter(t);
+            ahead.enter_pixels(t);
             const row_lanes sure = covered.of(t);
             for (int i = 0; i < kLanes; ++i)
             {
                 const span swept = i < t.count ? span{outer_.first[t.at + i], outer_.last[t.at + i]}
                                                : span{canvas_.across, -1};
-                p.needed_first[first + i] = std::max(swept.first, t.reach.first);
-                p.needed_last[first + i] = std::min(swept.last, t.reach.last);
-                p.sure_first[first + i] = sure.first[i];
-                p.sure_last[first + i] = sure.last[i];
+                p.set(first + i, {std::max(swept.first, t.reach.first), std::min(swept.last, t.reach.last)},
+                      {sure.first[i], sure.last[i]});
             }
         }
         return cells.draw(p,

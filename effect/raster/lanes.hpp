@@ -162,7 +162,16 @@ inline float_lanes gather(const float* from, int_lanes at) noexcept
 
 inline int_lanes gather(const std::int32_t* from, int_lanes at) noexcept
 {
+#if defined(__AVX2__)
+    __m256i places;
+    std::memcpy(&places, &at, sizeof places);
+    const __m256i found = _mm256_i32gather_epi32(from, places, 4);
+    int_lanes lanes;
+    std::memcpy(&lanes, &found, sizeof lanes);
+    return lanes;
+#else
     return int_lanes{from[at[0]], from[at[1]], from[at[2]], from[at[3]],
                      from[at[4]], from[at[5]], from[at[6]], from[at[7]]};
+#endif
 }
 } // namespace
