@@ -18,6 +18,7 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <memory>
 
 namespace
 {
@@ -87,7 +88,8 @@ private:
         int at; // main position of its first column
         int count;
         span rows; // that anything may be drawn in
-        stroke_tile tiles[kTilesOfPanel];
+        alignas(stroke_tile) std::byte room[kTilesOfPanel * sizeof(stroke_tile)];
+        stroke_tile& tile(int number) noexcept { return reinterpret_cast<stroke_tile*>(room)[number]; }
     };
 
     std::uint64_t mask_bytes() const noexcept
@@ -149,10 +151,8 @@ private:
 
     stroke_tile tile_at(int at) const noexcept
     {
-        stroke_tile t{};
-        t.at = at;
+        stroke_tile t(at);
         t.count = std::min(kLanes, canvas_.size - at);
-        t.centers = static_cast<float>(at) + __builtin_convertvector(kLaneNumbers, float_lanes) + 0.5f;
         t.reach = {0, canvas_.across - 1};
         return t;
     }
@@ -176,7 +176,7 @@ private:
                     [&](stroke_tile& t)
                     {
                         nearest.enter(t);
-                        t.all_inside = windows_.all_inside(places, t);
+                        t.all_inside = windows_.all_inside(places, t.begin, t.end);
                         return Multicolor ? no_rows() : covered.of(t);
                     },
                     [&](stroke_tile& t, int row, unsigned needed)
@@ -189,12 +189,14 @@ private:
                     const stroke_candidates& places, stroke_reach reach, int at) noexcept
     {
         cell_rows::panel p;
+        bool all_inside = true;
         p.at = at;
         p.count = std::min(cells.columns(), canvas_.size - at);
         for (int first = 0; first < p.count; first += kLanes)
         {
             stroke_tile t = tile_at(at + first);
             ahead.enter_pixels(t);
+            all_inside = all_inside && windows_.all_inside(places, t.begin, t.end);
             const row_lanes sure = covered.of(t);
             for (int i = 0; i < kLanes; ++i)
             {
@@ -210,7 +212,8 @@ private:
                               *color = gather(places.color, place);
                               if ((needed & ~sure) == 0)
                                   return needed;
-                              const stroke_tile t = tile_at(main_at);
+                              lane_pixels t(main_at);
+                              t.all_inside = all_inside;
                               const float_lanes dm = t.centers - gather(places.main, place);
                               const float_lanes dc = static_cast<float>(row) + 0.5f - gather(places.cross, place);
                               nearest_lanes near = {place, dm * dm + dc * dc};
@@ -258,8 +261,7 @@ private:
         row_masks solid(solid_toggles_);
         for (int first = 0; first < p.count; first += kLanes)
         {
-            stroke_tile& t = p.tiles[first / kLanes];
-            t = tile_at(at + first);
+            stroke_tile& t = *std::construct_at(&p.tile(first / kLanes), tile_at(at + first));
             const row_lanes covered = enter(t);
             for (int i = 0; i < t.count; ++i)
                 add_column(p, t, i, {covered.first[i], covered.last[i]}, swept, solid);
@@ -319,7 +321,7 @@ private:
             {
                 const int first = std::countr_zero(left) / kLanes * kLanes;
                 const auto needed = static_cast<unsigned>((left >> static_cast<unsigned>(first)) & 0xff);
-                const unsigned drawn = decide(p.tiles[first / kLanes], row, needed);
+                const unsigned drawn = decide(p.tile(first / kLanes), row, needed);
                 written |= std::uint64_t{drawn} << static_cast<unsigned>(first);
                 left &= ~(std::uint64_t{0xff} << static_cast<unsigned>(first));
             }
@@ -355,7 +357,7 @@ private:
     }
 
     // The colours of lanes with these nearest places, and which of them are to be written.
-    unsigned shaded(const stroke_candidates& places, const stroke_tile& t, int row, unsigned needed, nearest_lanes& near,
+    unsigned shaded(const stroke_candidates& places, const lane_pixels& t, int row, unsigned needed, nearest_lanes& near,
                     int_lanes* color) const noexcept
     {
         for (unsigned left = needed & doubtful(places, t, near); left != 0; left &= left - 1)
@@ -374,7 +376,7 @@ private:
     }
 
     // Lanes whose nearest place may not count for them.
-    unsigned doubtful(const stroke_candidates& places, const stroke_tile& t, const nearest_lanes& near) const noexcept
+    unsigned doubtful(const stroke_candidates& places, const lane_pixels& t, const nearest_lanes& near) const noexcept
     {
         const unsigned far = lane_bits(near.squared > windows_.sure_squared());
         if (t.all_inside || far == 0xff)
@@ -383,7 +385,7 @@ private:
     }
 
     // Looks again for a lane whose nearest place may not count for it.
-    unsigned recount(const stroke_candidates& places, const stroke_tile& t, int row, int lane, unsigned needed,
+    unsigned recount(const stroke_candidates& places, const lane_pixels& t, int row, int lane, unsigned needed,
                      nearest_lanes& near) const noexcept
     {
         const index_window w = windows_.at(t.at + lane);

@@ -274,7 +274,6 @@ private:
     {
         const float middle = static_cast<float>(t.at) + 0.5f * static_cast<float>(kLanes);
         const float half = 0.5f * static_cast<float>(kLanes - 1);
-        const float squared = reach_.squared * 1.0001f + 0.01f;
         float_lanes first = all_lanes(static_cast<float>(across_));
         float_lanes last = all_lanes(-1.0f);
         int_lanes number = kLaneNumbers + t.begin;
@@ -284,9 +283,11 @@ private:
             const float_lanes off =
                 higher_of(magnitude(load_lanes<float_lanes>(places_.main + j) - middle) - (half + 0.001f),
                           all_lanes(0.0f));
-            const float_lanes left = squared - off * off;
+            // Each candidate covers what its own radius reaches.
+            const float_lanes reach = load_lanes<float_lanes>(places_.radius + j) * 1.0001f + 1.02f;
+            const float_lanes left = reach * reach - off * off;
             const int_lanes near =
-                (left >= 0.0f) & (cross != stroke_candidates::kFarAway) & (number < t.end);
+                (reach > 0.0f) & (left >= 0.0f) & (cross != stroke_candidates::kFarAway) & (number < t.end);
             const float_lanes rise = root(higher_of(left, all_lanes(0.0f)));
             first = near ? lower_of(first, cross - rise) : first;
             last = near ? higher_of(last, cross + rise) : last;
@@ -298,7 +299,7 @@ private:
         }
         if (last[0] < first[0])
             return {across_, -1};
-        return {clamped(first[0] - 1.0f, across_), clamped(last[0] + 1.0f, across_)};
+        return {clamped(first[0] - 1.0f, across_), clamped(std::min(last[0], static_cast<float>(across_)) + 1.0f, across_)};
     }
 
     // Two places closer to each other along the main axis than this may change their order in a row by rounding

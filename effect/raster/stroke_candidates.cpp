@@ -158,6 +158,7 @@ stroke_candidates::outcome stroke_candidates::fill(const LineCreatorClass& creat
     {
         main[count + i] = kFarAway;
         cross[count + i] = kFarAway;
+        radius[count + i] = 0.0f;
     }
     return outcome::done;
 }

@@ -14,21 +14,33 @@ struct index_window
 
 namespace
 {
-struct stroke_tile
+struct lane_pixels
 {
     int at;              // main position of lane 0
+    bool all_inside;     // no candidate lies near the canvas's ends
+    float_lanes centers; // main coordinate of the pixels' centres
+
+    explicit lane_pixels(int first) noexcept
+        : at(first), all_inside(false),
+          centers(static_cast<float>(first) + __builtin_convertvector(kLaneNumbers, float_lanes) + 0.5f)
+    {
+    }
+};
+
+struct stroke_tile : lane_pixels
+{
     int count;           // lanes on the canvas
     int begin;           // candidates in reach of any pixel of the tile
     int end;
     bool narrowed;       // they are many: those of its corners, the first of the next tile too, tell which matter
     span reach;          // rows across in which a pixel can be in reach of any
-    bool all_inside;     // no candidate lies near the canvas's ends
     int hint;            // a candidate, better one near the last row that was looked at
     bool single;         // squared distances of its candidates fall and then rise, seen from any of its pixels
     span looked;         // rows for which those that may be nearest are known,
     int lowest;          // from here
     int highest;         // to here, for tiles with a single fall and rise
-    float_lanes centers; // main coordinate of the pixels' centres
     index_window windows[kLanes]; // where samples are looked at in place of candidates
+
+    explicit stroke_tile(int first) noexcept : lane_pixels(first) {}
 };
 } // namespace

@@ -48,10 +48,10 @@ public:
     // Whether main coordinates are so far from the canvas's ends, which cut windows off, that they do not matter.
     int_lanes inside(float_lanes main) const noexcept { return (main >= margin_) & (main <= size_ - margin_); }
 
-    // Whether all of a tile's places are inside.
-    bool all_inside(const stroke_candidates& places, const stroke_tile& t) const noexcept
+    // Whether all places from `begin` up to but not `end` are inside.
+    bool all_inside(const stroke_candidates& places, int begin, int end) const noexcept
     {
-        return t.begin < t.end && places.main[t.begin] >= margin_ && places.main[t.end - 1] <= size_ - margin_;
+        return begin < end && places.main[begin] >= margin_ && places.main[end - 1] <= size_ - margin_;
     }
 
     // Whether place j lies in the window, as far as the main axis goes.
