@@ -94,7 +94,7 @@ public:
         t.reach = rows_in_reach(t);
         t.hint = -1;
         t.looked = {0, -1};
-        t.single = t.narrowed && places_.regular && falls_once(t);
+        t.single = t.narrowed ? rows_of_one_fall(t) : span{0, -1};
     }
 
     // For one row of the tile.
@@ -107,7 +107,7 @@ public:
             look_at(t, t.begin, t.end, center, &near);
             return near;
         }
-        if (t.single)
+        if (t.single.first <= row && row <= t.single.last)
             return search_single(t, row);
         int begin = 0;
         int end = 0;
@@ -158,39 +158,68 @@ private:
         }
     }
 
-    // Whether the squared distances of neighbouring candidates from any pixel of the tile, or from its corners, fall
-    // and then rise, each of their differences greater than the one before by more than rounding can undo. Twice the
-    // square of the spacing is what they grow by on a straight line; a bend takes away twice its second difference
-    // times the distance across.
-    bool falls_once(const stroke_tile& t) const noexcept
+    // Rows in which the squared distances of neighbouring candidates from any pixel of the tile, or from its corners,
+    // fall and then rise, each of their differences greater than the one before by more than rounding can undo. Twice
+    // the square of the spacing is what they grow by on a straight line; a bend takes away twice its second
+    // difference times the distance across, on its inner side.
+    span rows_of_one_fall(const stroke_tile& t) const noexcept
     {
-        if (t.end - t.begin < 3 || t.reach.first > t.reach.last)
-            return false;
-        float_lanes bend = all_lanes(0.0f);
+        constexpr span none = {0, -1};
+        if (!places_.regular || t.end - t.begin < kLanes + 2 || t.reach.first > t.reach.last)
+            return none;
         float_lanes low = all_lanes(places_.cross[t.begin]);
         float_lanes high = low;
-        // The last lanes may be some that were looked at before.
-        for (int done = t.begin + 1; done < t.end - 1; done += kLanes)
-        {
-            const int j = std::max(t.begin + 1, std::min(done, t.end - 1 - kLanes));
-            const auto before = load_lanes<float_lanes>(places_.cross + j - 1);
-            const auto at = load_lanes<float_lanes>(places_.cross + j);
-            const auto after = load_lanes<float_lanes>(places_.cross + j + 1);
-            bend = higher_of(magnitude((after - at) - (at - before)), bend);
-            low = lower_of(lower_of(before, after), low);
-            high = higher_of(higher_of(before, after), high);
-        }
-        for (int i = 1; i < kLanes; ++i)
-        {
-            bend[0] = std::max(bend[0], bend[i]);
-            low[0] = std::min(low[0], low[i]);
-            high[0] = std::max(high[0], high[i]);
-        }
-        const float across = std::max(high[0] - static_cast<float>(t.reach.first),
-                                      static_cast<float>(t.reach.last + 1) - low[0]);
+        for_candidates(t, [&](int j)
+                       {
+                           const auto cross = load_lanes<float_lanes>(places_.cross + j);
+                           low = lower_of(cross, low);
+                           high = higher_of(cross, high);
+                       });
+        const float lowest = std::min(least(low), places_.cross[t.end - 1]);
+        const float highest = std::max(most(high), places_.cross[t.end - 1]);
+        if (highest == stroke_candidates::kFarAway)
+            return none;
+        const float across = std::max(highest - static_cast<float>(t.reach.first),
+                                      static_cast<float>(t.reach.last + 1) - lowest);
         const float along = corner_reach_ + static_cast<float>(kLanes);
-        const float growth = 2.0f / (places_.per_pixel * places_.per_pixel) - 2.0f * across * bend[0];
-        return growth > 2e-6f * (across * across + along * along) + 1e-3f;
+        const float lost = 2e-6f * (across * across + along * along) + 1e-3f;
+        const float spare = 1.0f / (places_.per_pixel * places_.per_pixel) - 0.5f * lost;
+        if (!(spare > 0.0f))
+            return none;
+        float_lanes from = all_lanes(-1.0f);
+        float_lanes to = all_lanes(static_cast<float>(across_) + 1.0f);
+        for_candidates(t, [&](int j)
+                       {
+                           const auto at = load_lanes<float_lanes>(places_.cross + j);
+                           const float_lanes bend = (load_lanes<float_lanes>(places_.cross + j + 1) - at) -
+                                                    (at - load_lanes<float_lanes>(places_.cross + j - 1));
+                           const float_lanes limit = at + spare / bend;
+                           to = lower_of(bend > 0.0f ? limit : to, to);
+                           from = higher_of(bend < 0.0f ? limit : from, from);
+                       });
+        return {clamped(most(from) + 1.0f, across_), clamped(least(to), across_) - 1};
+    }
+
+    // Calls look(j) for eight candidates at a time, all but the first and the last, some of them twice.
+    template <class Look>
+    static void for_candidates(const stroke_tile& t, Look look) noexcept
+    {
+        for (int j = t.begin + 1; j < t.end - 1; j += kLanes)
+            look(std::min(j, t.end - 1 - kLanes));
+    }
+
+    static float least(float_lanes v) noexcept
+    {
+        for (int i = 1; i < kLanes; ++i)
+            v[0] = std::min(v[0], v[i]);
+        return v[0];
+    }
+
+    static float most(float_lanes v) noexcept
+    {
+        for (int i = 1; i < kLanes; ++i)
+            v[0] = std::max(v[0], v[i]);
+        return v[0];
     }
 
     // The search where squared distances fall once and then rise: the nearest place follows the last one that is
@@ -238,7 +267,7 @@ private:
     void look_ahead(stroke_tile& t, int row) noexcept
     {
         constexpr int kRows = 7;
-        t.looked = {row, std::max(row, std::min(row + kRows, t.reach.last))};
+        t.looked = {row, std::max(row, std::min(row + kRows, std::min(t.reach.last, t.single.last)))};
         if (t.hint < t.begin || t.hint >= t.end)
             t.hint = places_.from(t.begin, t.end - 1, static_cast<float>(t.at));
         const int a = walk(t, t.at, t.looked.first, t.hint);
@@ -292,14 +321,11 @@ private:
             first = near ? lower_of(first, cross - rise) : first;
             last = near ? higher_of(last, cross + rise) : last;
         }
-        for (int i = 1; i < kLanes; ++i)
-        {
-            first[0] = std::min(first[0], first[i]);
-            last[0] = std::max(last[0], last[i]);
-        }
-        if (last[0] < first[0])
+        const float top = least(first);
+        const float bottom = std::min(most(last), static_cast<float>(across_));
+        if (bottom < top)
             return {across_, -1};
-        return {clamped(first[0] - 1.0f, across_), clamped(std::min(last[0], static_cast<float>(across_)) + 1.0f, across_)};
+        return {clamped(top - 1.0f, across_), clamped(bottom + 1.0f, across_)};
     }
 
     // Two places closer to each other along the main axis than this may change their order in a row by rounding
