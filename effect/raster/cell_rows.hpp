@@ -1,13 +1,13 @@
 #pragma once
-// The sample nearest to each pixel of a stroke, row by row of whole panels. Internal to the file that includes it, as
-// lanes are.
+// The sample nearest to each pixel of a stroke, row by row of whole panels. Internal to the file that includes it,
+// as lanes are.
 //
-// Along a row of pixels the samples' cells (where each is nearest) follow each other in their order. The boundary of
-// two neighbouring cells is the bisector of their samples, a straight line: it moves by the same amount from row to
-// row. So a row is found by adding that to every boundary and laying the samples' numbers down from boundary to
-// boundary. Away from the stroke on the inner side of a bend, cells narrow until they are gone: at some row near the
-// stroke every sample has a cell, and a cell that has gone on the way outwards from there is gone for good, since cells
-// are convex.
+// Along a row of pixels the samples' cells (where each is nearest) follow each other in their order. The boundary
+// of two neighbouring cells is the bisector of their samples, a straight line: it moves by the same amount from
+// row to row. So a row is found by adding that to every boundary and laying the samples' numbers down from
+// boundary to boundary. Away from the stroke on the inner side of a bend, cells narrow until they are gone: at
+// some row near the stroke every sample has a cell, and a cell that has gone on the way outwards from there is
+// gone for good, since cells are convex.
 //
 //        row y + 1     | a  |b| c |    d    |          b's cell narrows,
 //        row y + 2     |  a  | c |    d     |          and is gone
@@ -113,9 +113,9 @@ public:
         return rows_ != nullptr;
     }
 
-    // Draws a panel: calls paint(at, row, needed, sure, places, &colors) for eight pixels from main position `at` on,
-    // which answers which of the needed ones to write. False, with nothing drawn, where some sample's cell cannot be
-    // followed.
+    // Draws a panel: calls paint(at, row, needed, sure, places, &colors) for eight pixels from main position `at`
+    // on, which answers which of the needed ones to write. False, with nothing drawn, where some sample's cell
+    // cannot be followed.
     template <class Paint>
     bool draw(const panel& p, Paint paint) noexcept
     {
@@ -147,8 +147,8 @@ private:
     static constexpr float kFar = 1e6f;
     static constexpr int kStride = kMostColumns + 2 * kLanes;
 
-    // Cells in their order, each with its boundary to the one before: in row `origin_` + y its pixels begin with number
-    // left + move * y, rounded down, counted from the panel's first.
+    // Cells in their order, each with its boundary to the one before: in row `origin_` + y its pixels begin with
+    // number left + move * y, rounded down, counted from the panel's first.
     struct cells
     {
         float* left;
@@ -171,8 +171,8 @@ private:
         list.move[i] = -slope;
     }
 
-    // Lists every sample in reach. Between rows origin_ + from and origin_ + to all of them have cells; false where
-    // there is no such row.
+    // Lists every sample in reach. Between rows origin_ + from and origin_ + to all of them have cells; false
+    // where there is no such row.
     bool list_all(float* from, float* to) noexcept
     {
         const float low = static_cast<float>(at_) + 0.5f - reach_;
@@ -222,7 +222,8 @@ private:
         int_lanes never = all_lanes(0);
         for (int i = 0; i < all_.count; i += kLanes)
         {
-            const float_lanes width = load_lanes<float_lanes>(all_.left + i + 1) - load_lanes<float_lanes>(all_.left + i);
+            const float_lanes width =
+                load_lanes<float_lanes>(all_.left + i + 1) - load_lanes<float_lanes>(all_.left + i);
             const float_lanes growth =
                 load_lanes<float_lanes>(all_.move + i + 1) - load_lanes<float_lanes>(all_.move + i);
             const float_lanes limit = (gone_ - width) / growth;
@@ -248,7 +249,7 @@ private:
         copy_all();
         cursor_ = 0;
         end_ = live_.count;
-        int begun = row;            // of the rows that wait to be written together
+        int begun = row;                               // of the rows that wait to be written together
         std::uint64_t written[kMostColumns / 64] = {}; // in the tiles of the row before
         for (;; row += step)
         {
@@ -299,7 +300,8 @@ private:
         bool changed = false; // the boundary of the last one kept is a new one
         for (int i = 0; i < live_.count; i += kLanes)
         {
-            const float_lanes left = load_lanes<float_lanes>(live_.left + i) + load_lanes<float_lanes>(live_.move + i) * y;
+            const float_lanes left =
+                load_lanes<float_lanes>(live_.left + i) + load_lanes<float_lanes>(live_.move + i) * y;
             const float_lanes right =
                 load_lanes<float_lanes>(live_.left + i + 1) + load_lanes<float_lanes>(live_.move + i + 1) * y;
             const int count = std::min(kLanes, live_.count - i);
@@ -335,8 +337,8 @@ private:
     {
         keep(kept, k);
         bool dropped = false;
-        while (kept >= 2 && live_.left[kept] + live_.move[kept] * y <
-                                live_.left[kept - 1] + live_.move[kept - 1] * y - gone_)
+        while (kept >= 2 &&
+               live_.left[kept] + live_.move[kept] * y < live_.left[kept - 1] + live_.move[kept - 1] * y - gone_)
         {
             live_.place[kept - 1] = live_.place[kept];
             --kept;
@@ -398,7 +400,8 @@ private:
         return kRounding * far * far * places_.per_pixel + kOwnRounding;
     }
 
-    // The first pixel of each cell, and cells whose boundary lies in doubt of a pixel's centre; how many those are.
+    // The first pixel of each cell, and cells whose boundary lies in doubt of a pixel's centre; how many those
+    // are.
     template <bool InOrder>
     int find_starts(float y, span columns, float near) noexcept
     {
@@ -468,8 +471,8 @@ private:
         }
     }
 
-    // Decides the pixels whose centres lie next to the boundary of cell i by distances as the rasteriser has them: the
-    // one that it is nearest to, or where boundaries have crossed, both.
+    // Decides the pixels whose centres lie next to the boundary of cell i by distances as the rasteriser has them:
+    // the one that it is nearest to, or where boundaries have crossed, both.
     void settle(int i, int row, float y, bool in_order) const noexcept
     {
         const auto left = static_cast<double>(left_of(i, y));
@@ -539,8 +542,8 @@ private:
         }
     }
 
-    // Puts up to eight neighbouring rows of colours, which lie apart in memory: eight main positions at a time, turned
-    // over.
+    // Puts up to eight neighbouring rows of colours, which lie apart in memory: eight main positions at a time,
+    // turned over.
     void write_rows(int first, int last) const noexcept
     {
         const int from = first % kLanes;
@@ -603,10 +606,10 @@ private:
     int room_ = 0;
     cells all_{};
     cells live_{};
-    std::int32_t* start_ = nullptr;  // first pixel of each cell
-    std::int32_t* doubts_ = nullptr; // cells with a pixel's centre next to their boundary
-    std::int32_t* found_ = nullptr;  // of a row: what each pixel is nearest to
-    std::int32_t* rows_ = nullptr;   // colours of eight rows that wait
+    std::int32_t* start_ = nullptr;                        // first pixel of each cell
+    std::int32_t* doubts_ = nullptr;                       // cells with a pixel's centre next to their boundary
+    std::int32_t* found_ = nullptr;                        // of a row: what each pixel is nearest to
+    std::int32_t* rows_ = nullptr;                         // colours of eight rows that wait
     std::uint8_t row_bits_[kLanes][kMostColumns / kLanes]; // and which of them are to be written
     int columns_ = 0;
     int cursor_ = 0; // the cells that begin before the panel and behind it

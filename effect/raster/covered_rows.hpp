@@ -30,9 +30,10 @@ public:
     {
     }
 
-    // Rows that are sure to be inside the stroke by a pixel or more at each lane; not all of them. A pixel is when it
-    // is that far inside a disc around any of the tile's candidates with the thinnest radius among them: that of the
-    // nearest one is no less. Discs around places at a few distances along the stroke reach nearly as far as any.
+    // Rows that are sure to be inside the stroke by a pixel or more at each lane; not all of them. A pixel is when
+    // it is that far inside a disc around any of the tile's candidates with the thinnest radius among them: that
+    // of the nearest one is no less. Discs around places at a few distances along the stroke reach nearly as far
+    // as any.
     row_lanes of(const stroke_tile& t) const noexcept
     {
         const row_lanes none = {all_lanes(across_), all_lanes(-1)};
@@ -57,8 +58,8 @@ public:
             const float_lanes off = t.centers - main;
             const float_lanes left = squared - off * off;
             const float_lanes half = root(higher_of(left, all_lanes(0.0f)));
-            const int_lanes counts = (left > 0.0f) & windows_.inside(main) &
-                                     (cross != stroke_candidates::kFarAway);
+            const int_lanes counts =
+                (left > 0.0f) & windows_.inside(main) & (cross != stroke_candidates::kFarAway);
             if (disc == 0)
             {
                 if (lane_bits(counts) == 0)
@@ -87,7 +88,8 @@ private:
     float sure_radius(const stroke_tile& t) const noexcept
     {
         const bool flat = creator_.samplesPerPixel <= 1; // no fall-off, no anti-aliasing
-        if (!places_.all_numbers || !windows_.known() || (!flat && creator_.coreOpacity != 1.0f) || t.begin >= t.end)
+        if (!places_.all_numbers || !windows_.known() || (!flat && creator_.coreOpacity != 1.0f) ||
+            t.begin >= t.end)
             return 0.0f;
         const float safe = thinnest(t.begin, t.end) * 0.99999f - 0.001f;
         return std::min(flat ? safe + 1.0f : safe - 1.0f, creator_.outerRadius - kInsideWindows);

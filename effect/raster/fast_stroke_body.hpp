@@ -1,6 +1,6 @@
 #pragma once
-// The fast way to draw a stroke, for the level of instructions that the including file is compiled for. Internal to
-// that file.
+// The fast way to draw a stroke, for the level of instructions that the including file is compiled for. Internal
+// to that file.
 
 #include "effect/model/work_limits.hpp"
 #include "effect/raster/cell_rows.hpp"
@@ -22,8 +22,8 @@
 
 namespace
 {
-// One stroke at work: panel by panel of 64 positions along the main axis, row by row across, and in each row tile by
-// tile of eight.
+// One stroke at work: panel by panel of 64 positions along the main axis, row by row across, and in each row tile
+// by tile of eight.
 template <bool Multicolor>
 class fast_stroke
 {
@@ -200,26 +200,27 @@ private:
             const row_lanes sure = covered.of(t);
             for (int i = 0; i < kLanes; ++i)
             {
-                const span swept = i < t.count ? span{outer_.first[t.at + i], outer_.last[t.at + i]}
-                                               : span{canvas_.across, -1};
+                const span swept =
+                    i < t.count ? span{outer_.first[t.at + i], outer_.last[t.at + i]} : span{canvas_.across, -1};
                 p.set(first + i, {std::max(swept.first, t.reach.first), std::min(swept.last, t.reach.last)},
                       {sure.first[i], sure.last[i]});
             }
         }
-        return cells.draw(p,
-                          [&](int main_at, int row, unsigned needed, unsigned sure, int_lanes place, int_lanes* color)
-                          {
-                              *color = gather(places.color, place);
-                              if ((needed & ~sure) == 0)
-                                  return needed;
-                              lane_pixels t(main_at);
-                              t.all_inside = all_inside;
-                              const float_lanes dm = t.centers - gather(places.main, place);
-                              const float_lanes dc = static_cast<float>(row) + 0.5f - gather(places.cross, place);
-                              nearest_lanes near = {place, dm * dm + dc * dc};
-                              const unsigned rim = needed & ~sure & lane_bits(near.squared < reach.squared);
-                              return (needed & sure) | shaded(places, t, row, rim, near, color);
-                          });
+        return cells.draw(
+            p,
+            [&](int main_at, int row, unsigned needed, unsigned sure, int_lanes place, int_lanes* color)
+            {
+                *color = gather(places.color, place);
+                if ((needed & ~sure) == 0)
+                    return needed;
+                lane_pixels t(main_at);
+                t.all_inside = all_inside;
+                const float_lanes dm = t.centers - gather(places.main, place);
+                const float_lanes dc = static_cast<float>(row) + 0.5f - gather(places.cross, place);
+                nearest_lanes near = {place, dm * dm + dc * dc};
+                const unsigned rim = needed & ~sure & lane_bits(near.squared < reach.squared);
+                return (needed & sure) | shaded(places, t, row, rim, near, color);
+            });
     }
 
     row_lanes no_rows() const noexcept { return {all_lanes(canvas_.across), all_lanes(-1)}; }
@@ -248,8 +249,8 @@ private:
                 });
     }
 
-    // enter(tile) starts a tile and answers rows that are sure to be of the stroke's one colour where they are swept;
-    // decide(tile, row, lanes) draws the others, and answers which it wrote.
+    // enter(tile) starts a tile and answers rows that are sure to be of the stroke's one colour where they are
+    // swept; decide(tile, row, lanes) draws the others, and answers which it wrote.
     template <class Enter, class Decide>
     void draw_panel(int at, Enter enter, Decide decide) noexcept
     {
@@ -357,17 +358,15 @@ private:
     }
 
     // The colours of lanes with these nearest places, and which of them are to be written.
-    unsigned shaded(const stroke_candidates& places, const lane_pixels& t, int row, unsigned needed, nearest_lanes& near,
-                    int_lanes* color) const noexcept
+    unsigned shaded(const stroke_candidates& places, const lane_pixels& t, int row, unsigned needed,
+                    nearest_lanes& near, int_lanes* color) const noexcept
     {
         for (unsigned left = needed & doubtful(places, t, near); left != 0; left &= left - 1)
             needed = recount(places, t, row, std::countr_zero(left), needed, near);
         const int_lanes place = higher_of(near.place, all_lanes(0));
-        const float_lanes radius =
-            places.one_radius ? all_lanes(places.radius[0]) : gather(places.radius, place);
-        const float_lanes offset =
-            along_y_ ? t.centers - gather(places.main, place)
-                     : static_cast<float>(row) + 0.5f - gather(places.cross, place);
+        const float_lanes radius = places.one_radius ? all_lanes(places.radius[0]) : gather(places.radius, place);
+        const float_lanes offset = along_y_ ? t.centers - gather(places.main, place)
+                                            : static_cast<float>(row) + 0.5f - gather(places.cross, place);
         if constexpr (Multicolor)
             *color = gather(places.color, place);
         else
@@ -376,7 +375,8 @@ private:
     }
 
     // Lanes whose nearest place may not count for them.
-    unsigned doubtful(const stroke_candidates& places, const lane_pixels& t, const nearest_lanes& near) const noexcept
+    unsigned doubtful(const stroke_candidates& places, const lane_pixels& t,
+                      const nearest_lanes& near) const noexcept
     {
         const unsigned far = lane_bits(near.squared > windows_.sure_squared());
         if (t.all_inside || far == 0xff)

@@ -98,8 +98,7 @@ inline float_lanes root(float_lanes v) noexcept
 inline float_lanes lower_of(float_lanes a, float_lanes b) noexcept
 {
 #if defined(__AVX2__)
-    return reinterpret_cast<float_lanes>(
-        _mm256_min_ps(reinterpret_cast<__m256>(a), reinterpret_cast<__m256>(b)));
+    return reinterpret_cast<float_lanes>(_mm256_min_ps(reinterpret_cast<__m256>(a), reinterpret_cast<__m256>(b)));
 #elif defined(__SSE2__)
     __m128 x[2];
     __m128 y[2];

@@ -122,8 +122,8 @@ private:
     static constexpr int kWideWindow = 48;
     static constexpr int kBlock = 128; // candidates looked at in one go
 
-    // Looks at candidates from `begin` up to but not `end`, at most kBlock of them. Four runs of them at a time, each
-    // with a nearest one of its own, since the comparisons of one run wait for each other.
+    // Looks at candidates from `begin` up to but not `end`, at most kBlock of them. Four runs of them at a time,
+    // each with a nearest one of its own, since the comparisons of one run wait for each other.
     void look_at(const stroke_tile& t, int begin, int end, float center, nearest_lanes* near) noexcept
     {
         constexpr int kRuns = 4;
@@ -158,10 +158,10 @@ private:
         }
     }
 
-    // Rows in which the squared distances of neighbouring candidates from any pixel of the tile, or from its corners,
-    // fall and then rise, each of their differences greater than the one before by more than rounding can undo. Twice
-    // the square of the spacing is what they grow by on a straight line; a bend takes away twice its second
-    // difference times the distance across, on its inner side.
+    // Rows in which the squared distances of neighbouring candidates from any pixel of the tile, or from its
+    // corners, fall and then rise, each of their differences greater than the one before by more than rounding can
+    // undo. Twice the square of the spacing is what they grow by on a straight line; a bend takes away twice its
+    // second difference times the distance across, on its inner side.
     span rows_of_one_fall(const stroke_tile& t) const noexcept
     {
         constexpr span none = {0, -1};
@@ -169,7 +169,8 @@ private:
             return none;
         float_lanes low = all_lanes(places_.cross[t.begin]);
         float_lanes high = low;
-        for_candidates(t, [&](int j)
+        for_candidates(t,
+                       [&](int j)
                        {
                            const auto cross = load_lanes<float_lanes>(places_.cross + j);
                            low = lower_of(cross, low);
@@ -179,8 +180,8 @@ private:
         const float highest = std::max(most(high), places_.cross[t.end - 1]);
         if (highest == stroke_candidates::kFarAway)
             return none;
-        const float across = std::max(highest - static_cast<float>(t.reach.first),
-                                      static_cast<float>(t.reach.last + 1) - lowest);
+        const float across =
+            std::max(highest - static_cast<float>(t.reach.first), static_cast<float>(t.reach.last + 1) - lowest);
         const float along = corner_reach_ + static_cast<float>(kLanes);
         const float lost = 2e-6f * (across * across + along * along) + 1e-3f;
         const float spare = 1.0f / (places_.per_pixel * places_.per_pixel) - 0.5f * lost;
@@ -188,7 +189,8 @@ private:
             return none;
         float_lanes from = all_lanes(-1.0f);
         float_lanes to = all_lanes(static_cast<float>(across_) + 1.0f);
-        for_candidates(t, [&](int j)
+        for_candidates(t,
+                       [&](int j)
                        {
                            const auto at = load_lanes<float_lanes>(places_.cross + j);
                            const float_lanes bend = (load_lanes<float_lanes>(places_.cross + j + 1) - at) -
@@ -309,9 +311,8 @@ private:
         for (int j = t.begin; j < t.end; j += kLanes, number += kLanes)
         {
             const auto cross = load_lanes<float_lanes>(places_.cross + j);
-            const float_lanes off =
-                higher_of(magnitude(load_lanes<float_lanes>(places_.main + j) - middle) - (half + 0.001f),
-                          all_lanes(0.0f));
+            const float_lanes off = higher_of(
+                magnitude(load_lanes<float_lanes>(places_.main + j) - middle) - (half + 0.001f), all_lanes(0.0f));
             // Each candidate covers what its own radius reaches.
             const float_lanes reach = load_lanes<float_lanes>(places_.radius + j) * 1.0001f + 1.02f;
             const float_lanes left = reach * reach - off * off;
@@ -416,7 +417,7 @@ private:
     float corner_reach_; // of a tile's corners: whatever any of its pixels can be in reach of, and more
     int across_;
     alignas(32) float across_squared_[kBlock + kLanes]; // squared distances across of a row from its candidates
-    int corner_ = -1; // the place nearest to a pixel, and that pixel
+    int corner_ = -1;                                   // the place nearest to a pixel, and that pixel
     int corner_at_ = -1;
     int corner_row_ = -1;
     places_between near_; // of a tile's pixels

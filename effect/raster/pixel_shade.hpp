@@ -17,9 +17,11 @@ public:
     {
     }
 
-    // Pixels `squared` (squared distance) from places with these radii and colours (the bytes of a PF_Pixel), whose
-    // centres lie `row_offset` below them. Where the answer's mask is set, the pixel is written with `color`.
-    int_lanes shade(float_lanes squared, float_lanes radius, float_lanes row_offset, int_lanes* color) const noexcept
+    // Pixels `squared` (squared distance) from places with these radii and colours (the bytes of a PF_Pixel),
+    // whose centres lie `row_offset` below them. Where the answer's mask is set, the pixel is written with
+    // `color`.
+    int_lanes shade(float_lanes squared, float_lanes radius, float_lanes row_offset,
+                    int_lanes* color) const noexcept
     {
         const float_lanes dist = root(squared);
         const float_lanes edge = 1.0f - (dist - radius);

@@ -61,7 +61,8 @@ bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int 
     }
     const std::uint64_t bytes_each = (colors ? 6 : 5) * sizeof(float);
     const std::uint64_t slack = 6 * 32 + kPadding * bytes_each; // there is more than that: samples fitted
-    const auto room = static_cast<std::int64_t>(std::min<std::uint64_t>((memory.left() - slack) / bytes_each, 1U << 30U));
+    const auto room =
+        static_cast<std::int64_t>(std::min<std::uint64_t>((memory.left() - slack) / bytes_each, 1U << 30U));
     return cut(room, colors, memory) && fill(creator, first, last, reach, room, true) == outcome::done;
 }
 
@@ -77,8 +78,8 @@ bool stroke_candidates::cut(std::int64_t room, bool colors, scratch_memory& memo
            (color != nullptr || !colors);
 }
 
-stroke_candidates::outcome stroke_candidates::fill(const LineCreatorClass& creator, int first, int last, float reach,
-                                                   std::int64_t room, bool bridges) noexcept
+stroke_candidates::outcome stroke_candidates::fill(const LineCreatorClass& creator, int first, int last,
+                                                   float reach, std::int64_t room, bool bridges) noexcept
 {
     const bool along_y = creator.axis == 1;
     const int k = creator.samplesPerPixel;

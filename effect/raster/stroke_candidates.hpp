@@ -84,7 +84,7 @@ struct stroke_candidates
     std::int32_t* sample = nullptr; // index of the sample, or of the one that the bridge leads to; descending
     std::int32_t* place = nullptr;  // 0 for the sample itself, else the position's number in its bridge
     std::int32_t* color = nullptr;  // the bytes of a PF_Pixel; of strokes of many colours
-    float per_pixel = 1.0f; // samples
+    float per_pixel = 1.0f;         // samples
     int count = 0;
     bool ascending = true;   // main never falls
     bool all_numbers = true; // no radius is NaN

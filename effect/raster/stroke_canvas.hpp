@@ -1,6 +1,6 @@
 #pragma once
-// The canvas as a stroke sees it: pixels by their position along the stroke's main axis and across it, and the tiles
-// of the drawing context that they lie in. Internal to the file that includes it.
+// The canvas as a stroke sees it: pixels by their position along the stroke's main axis and across it, and the
+// tiles of the drawing context that they lie in. Internal to the file that includes it.
 
 #include "effect/raster/aeg.hpp"
 #include "effect/raster/line_creator.hpp"
@@ -92,8 +92,8 @@ public:
         {
             const int first = std::countr_zero(mask);
             const int tile = tile_of_main_[main_at + first];
-            creator_.context->tileDirty[along_y_ ? tile_across * aeg::kTiles + tile : tile * aeg::kTiles + tile_across] =
-                1;
+            creator_.context
+                ->tileDirty[along_y_ ? tile_across * aeg::kTiles + tile : tile * aeg::kTiles + tile_across] = 1;
             // Whatever else lies in the same tile.
             int next = first + 1;
             while (next < 64 && main_at + next < size && tile_of_main_[main_at + next] == tile)

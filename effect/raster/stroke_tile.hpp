@@ -29,16 +29,16 @@ struct lane_pixels
 
 struct stroke_tile : lane_pixels
 {
-    int count;           // lanes on the canvas
-    int begin;           // candidates in reach of any pixel of the tile
+    int count; // lanes on the canvas
+    int begin; // candidates in reach of any pixel of the tile
     int end;
-    bool narrowed;       // they are many: those of its corners, the first of the next tile too, tell which matter
-    span reach;          // rows across in which a pixel can be in reach of any
-    int hint;            // a candidate, better one near the last row that was looked at
-    span single;         // rows from whose pixels the distances of its candidates fall once, then rise
-    span looked;         // rows for which those that may be nearest are known,
-    int lowest;          // from here
-    int highest;         // to here, in such rows
+    bool narrowed; // they are many: those of its corners, the first of the next tile too, tell which matter
+    span reach;    // rows across in which a pixel can be in reach of any
+    int hint;      // a candidate, better one near the last row that was looked at
+    span single;   // rows from whose pixels the distances of its candidates fall once, then rise
+    span looked;   // rows for which those that may be nearest are known,
+    int lowest;    // from here
+    int highest;   // to here, in such rows
     index_window windows[kLanes]; // where samples are looked at in place of candidates
 
     explicit stroke_tile(int first) noexcept : lane_pixels(first) {}

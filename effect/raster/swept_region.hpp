@@ -33,7 +33,8 @@ struct swept_region
         const auto nothing = [](auto, auto) {};
         const auto enter_columns = [&](strip columns, span rows)
         { whole = add(columns.pixels(size), rows) && whole; };
-        const auto enter_rows = [&](strip rows, span columns) { whole = add(rows.pixels(size), columns) && whole; };
+        const auto enter_rows = [&](strip rows, span columns)
+        { whole = add(rows.pixels(size), columns) && whole; };
         const auto widen_rows = [&](strip rows, span columns)
         { whole = add(columns, rows.pixels(creator.height)) && whole; };
         const auto widen_columns = [&](strip columns, span rows)
@@ -68,7 +69,8 @@ private:
             bool whole = true;
             for (int i = places.first; i <= places.last; ++i)
             {
-                whole = whole && (last[i] < first[i] || (added.first <= last[i] + 1 && added.last >= first[i] - 1));
+                whole =
+                    whole && (last[i] < first[i] || (added.first <= last[i] + 1 && added.last >= first[i] - 1));
                 first[i] = std::min(added.first, first[i]);
                 last[i] = std::max(added.last, last[i]);
             }
@@ -91,7 +93,8 @@ private:
 
 // Sets `bit` for every pixel that boxes of half side `radius` sweep. The plane has a byte for each pixel of the
 // canvas: rows across the main axis, one after the other along it.
-inline void sweep_plane(const LineCreatorClass& creator, float radius, std::uint8_t bit, std::uint8_t* plane) noexcept
+inline void sweep_plane(const LineCreatorClass& creator, float radius, std::uint8_t bit,
+                        std::uint8_t* plane) noexcept
 {
     const bool along_y = creator.axis == 1;
     const std::ptrdiff_t size = along_y ? creator.height : creator.width;
