@@ -32,6 +32,7 @@ struct scene
     int height = 0;
     int padding = 0;
     int tables = 0; // 0: of one colour, with a solid core; 1: of one colour; 2: of many
+    simd_level level = simd_level::baseline;
     float inner_radius = 0.0f;
     float outer_radius = 0.0f;
     reference::stroke stroke;
@@ -84,7 +85,9 @@ scene read_scene(fuzz::byte_reader& bytes)
     s.width = 1 + bytes.byte() % 128;
     s.height = 1 + bytes.byte() % 128;
     s.padding = 4 * (bytes.byte() % 4);
-    s.tables = bytes.byte() % 3;
+    const auto tables = bytes.byte();
+    s.tables = tables % 3;
+    s.level = tables >= 128 ? simd_level::baseline : chosen_simd_level();
     s.stroke.monocolor = s.tables < 2;
     s.stroke.axis = bytes.byte() % 2;
     const auto quality = bytes.byte();
@@ -175,6 +178,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     creator.monocolor = s.stroke.monocolor;
     creator.pixelFunction = s.stroke.monocolor ? &LineCreatorClass::CalculatePixelMonocolor
                                                : &LineCreatorClass::CalculatePixelMulticolor;
+    creator.level = s.level;
     creator.subRenderFunction =
         s.tables == 0 ? &LineCreatorClass::SubRenderMonocolor : &LineCreatorClass::SubRenderMulticolor;
     creator.Render();

@@ -103,7 +103,8 @@ stroke_candidates::outcome stroke_candidates::fill(const LineCreatorClass& creat
         const StrokePoint& cur = creator.points[i];
         const float main_at = along_y ? cur.y : cur.x;
         const float at = along_y ? cur.x : cur.y;
-        if (!(std::fabs(at - before_across) <= kGentle))
+        if (!(std::fabs(at - before_across) <= kGentle) &&
+            i < first) // the first has none before it to bridge from
         {
             const gap_bridge bridge(creator.points[i + 1], cur, along_y, k);
             if (bridge.count > 0)

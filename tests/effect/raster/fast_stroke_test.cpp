@@ -250,6 +250,25 @@ TEST(fast_stroke_of, radii_past_the_integers_is_the_plain_one)
     EXPECT_EQ(count.drawn, static_cast<int>(levels().size()));
 }
 
+// The sanitizers see that nothing is read past the samples.
+TEST(fast_stroke_of, a_first_sample_that_is_no_number_is_the_plain_one)
+{
+    for (const float odd : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()})
+    {
+        scene s;
+        s.width = 48;
+        s.height = 40;
+        s.one_color = true;
+        s.outer = 3.0f;
+        for (int i = 0; i < 60; ++i)
+            s.points.push_back({45.0f - 0.5f * static_cast<float>(i), 20.0f, 3.0f, {255, 1, 2, 3}});
+        s.points.back().y = odd;
+        tally count;
+        compare(s, "first sample at " + std::to_string(odd), count);
+        EXPECT_EQ(count.drawn, static_cast<int>(levels().size()));
+    }
+}
+
 TEST_P(fast_stroke, draws_the_same_without_memory_for_its_places)
 {
     const family& f = GetParam();
