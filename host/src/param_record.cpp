@@ -16,8 +16,10 @@ param_value picture_point(param_value point, const composition& comp)
         point.x = point.x * comp.width / 100.0;
         point.y = point.y * comp.height / 100.0;
     }
-    point.x /= comp.downsample;
-    point.y /= comp.downsample;
+    const PF_RationalScale across = comp.scale_x();
+    const PF_RationalScale down = comp.scale_y();
+    point.x = point.x * across.num / across.den;
+    point.y = point.y * down.num / down.den;
     point.percent = false;
     return point;
 }
@@ -25,6 +27,8 @@ param_value picture_point(param_value point, const composition& comp)
 // Keys may stand in different units, so they are brought to pixels before they are interpolated.
 param_value picture_point_at(track values, const composition& comp, double seconds)
 {
+    if (values.elsewhere)
+        return picture_point(values.at(seconds), comp);
     values.constant = picture_point(values.constant, comp);
     for (auto& key : values.keys)
         key.value = picture_point(key.value, comp);

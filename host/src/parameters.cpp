@@ -104,6 +104,8 @@ param_value default_value(const param_info& info)
 
 param_value track::at(double seconds) const
 {
+    if (elsewhere)
+        return elsewhere(seconds);
     if (keys.empty())
         return constant;
     const auto after = std::upper_bound(keys.begin(), keys.end(), seconds,

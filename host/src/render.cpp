@@ -17,9 +17,15 @@ namespace
 {
 constexpr int largest_side = 30000;
 
-int reduced(int size, int downsample)
+int reduced(int size, const PF_RationalScale& scale)
 {
-    return (size + downsample - 1) / downsample;
+    const std::int64_t den = scale.den;
+    return static_cast<int>((std::int64_t{size} * scale.num + den - 1) / den);
+}
+
+bool can_reduce(const PF_RationalScale& scale)
+{
+    return scale.num == 0 || (scale.num > 0 && static_cast<A_u_long>(scale.num) <= scale.den);
 }
 
 void check_composition(const composition& comp)
@@ -29,6 +35,8 @@ void check_composition(const composition& comp)
                               " pixels cannot be rendered; give 1 to ", largest_side, " each way"));
     if (comp.downsample < 1 || comp.downsample > 4)
         throw error(text_line("a downsample factor of ", comp.downsample, " is not served; give 1 to 4"));
+    if (!can_reduce(comp.reduce_x) || !can_reduce(comp.reduce_y))
+        throw error("a picture larger than its layer is not served; give scales above 0 and up to 1");
     if (comp.time_scale == 0)
         throw error("a time scale of 0 is no time; give the number of time units in a second");
     if (comp.quality != PF_Quality_LO && comp.quality != PF_Quality_HI && comp.quality != PF_Quality_DRAWING_AUDIO)
@@ -176,7 +184,8 @@ private:
         in.width = comp_.width;
         in.height = comp_.height;
         in.extent_hint = {0, 0, comp_.picture_width(), comp_.picture_height()};
-        in.downsample_x = in.downsample_y = {1, static_cast<A_u_long>(comp_.downsample)};
+        in.downsample_x = comp_.scale_x();
+        in.downsample_y = comp_.scale_y();
         in.global_data = plugin_access::global_data(effect_);
     }
 
@@ -310,14 +319,24 @@ private:
 };
 } // namespace
 
+PF_RationalScale composition::scale_x() const
+{
+    return reduce_x.num != 0 ? reduce_x : PF_RationalScale{1, static_cast<A_u_long>(downsample)};
+}
+
+PF_RationalScale composition::scale_y() const
+{
+    return reduce_y.num != 0 ? reduce_y : PF_RationalScale{1, static_cast<A_u_long>(downsample)};
+}
+
 int composition::picture_width() const
 {
-    return reduced(width, downsample);
+    return reduced(width, scale_x());
 }
 
 int composition::picture_height() const
 {
-    return reduced(height, downsample);
+    return reduced(height, scale_y());
 }
 
 namespace

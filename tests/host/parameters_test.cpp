@@ -246,6 +246,32 @@ TEST(points, come_in_pixels_of_the_downsampled_layer)
     EXPECT_EQ(pixels.y, -87381);  // -4/3
 }
 
+TEST(track, that_is_known_elsewhere_is_asked_at_every_time)
+{
+    auto comp = scripted::small_comp(100, 100);
+    comp.time_scale = 4;
+    scripted::render(
+        [](const call& now)
+        {
+            PF_ParamDef at_nine{};
+            EXPECT_EQ(now.params[scripted::place]->u.td.x_value, 20 * 65536);
+            EXPECT_EQ(now.params[scripted::place]->u.td.y_value, 16384); // frame 1 of 4 a second
+            EXPECT_EQ(now.in->inter.checkout_param(now.ref(), scripted::place, 9, 1, 1, &at_nine), PF_Err_NONE);
+            EXPECT_EQ(at_nine.u.td.y_value, 9 * 65536);
+            EXPECT_EQ(now.in->inter.checkin_param(now.ref(), &at_nine), PF_Err_NONE);
+            return PF_Err_NONE;
+        },
+        {}, comp,
+        [](host::param_tracks& values)
+        {
+            track t;
+            t.keys = {{0.0, {1.0, 1.0, true}}};
+            t.elsewhere = [](double seconds) { return host::param_value{20.0, seconds, true}; };
+            values.set(scripted::place, t);
+        },
+        1);
+}
+
 TEST(points, keys_in_percent_and_pixels_meet_in_pixels)
 {
     scripted::render(

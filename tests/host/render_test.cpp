@@ -53,6 +53,32 @@ TEST(render_frame, describes_the_frame)
         options, comp, {}, -3);
 }
 
+TEST(render_frame, reduces_each_way_for_itself)
+{
+    auto comp = scripted::small_comp(100, 90);
+    comp.downsample = 4;
+    comp.reduce_x = {3, 7};
+    comp.reduce_y = {1, 1};
+    scripted::render(
+        [](const call& now)
+        {
+            EXPECT_EQ(now.in->downsample_x.num, 3);
+            EXPECT_EQ(now.in->downsample_x.den, 7u);
+            EXPECT_EQ(now.in->downsample_y.num, 1);
+            EXPECT_EQ(now.in->downsample_y.den, 1u);
+            EXPECT_EQ(now.in->width, 100);
+            EXPECT_EQ(now.in->height, 90);
+            EXPECT_EQ(now.output->width, 43);
+            EXPECT_EQ(now.output->height, 90);
+            EXPECT_EQ(now.params[scripted::place]->u.td.x_value, 1404343); // 50 * 3 / 7
+            return PF_Err_NONE;
+        },
+        {}, comp,
+        [](host::param_tracks& values) {
+            values.set(scripted::place, host::param_value{50.0, 0.0, true});
+        });
+}
+
 TEST(render_frame, hands_pictures_through_padded_rows)
 {
     for (const int padding : {0, 4, 64})
@@ -87,6 +113,11 @@ TEST(render_frame, tells_what_cannot_be_rendered)
     using host::render_options;
     EXPECT_EQ(error_with([](composition& c, render_options&) { c.downsample = 5; }),
               "a downsample factor of 5 is not served; give 1 to 4");
+    EXPECT_EQ(error_with(
+                  [](composition& c, render_options&) {
+                      c.reduce_x = {3, 2};
+                  }),
+              "a picture larger than its layer is not served; give scales above 0 and up to 1");
     EXPECT_EQ(error_with([](composition& c, render_options&) { c.time_scale = 0; }),
               "a time scale of 0 is no time; give the number of time units in a second");
     EXPECT_EQ(error_with([](composition& c, render_options&) { c.quality = 7; }),

@@ -4,6 +4,7 @@
 #include "effect/pf/effect_api.hpp"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -78,13 +79,15 @@ struct keyframe
     param_value value;
 };
 
-// A parameter's value over time: constant (`keys` empty) or keyframed. Before the first key the first value holds,
-// after the last the last. Keys are in strictly ascending time.
+// A parameter's value over time: constant (`keys` empty), keyframed, or known elsewhere. Before the first key the
+// first value holds, after the last the last. Keys are in strictly ascending time.
 struct track
 {
     param_value constant;
     std::vector<keyframe> keys;
     interpolation between = interpolation::linear;
+    // Where set, asked instead of the above, on the thread that renders: for values that another program keeps.
+    std::function<param_value(double seconds)> elsewhere = {};
 
     // The value at a time in seconds; numbers are interpolated in double, colours per channel and rounded to
     // nearest. Whole-number kinds are rounded to nearest when they are handed to the effect, not here.

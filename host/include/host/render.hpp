@@ -22,8 +22,14 @@ struct composition
     std::uint32_t time_scale = 25;
     std::int32_t total_frames = 1;
     int downsample = 1; // 1 to 4: pictures are ceil(width / downsample) by ceil(height / downsample)
+    // Any other reduction, each way for itself: where a numerator is not 0, `downsample` does not count and the
+    // picture's side is ceil(side * num / den). Numerators are at most their denominators.
+    PF_RationalScale reduce_x{0, 1};
+    PF_RationalScale reduce_y{0, 1};
     PF_Quality quality = PF_Quality_HI;
 
+    PF_RationalScale scale_x() const; // of a picture to its layer, as the effect is told
+    PF_RationalScale scale_y() const;
     int picture_width() const;
     int picture_height() const;
 };
