@@ -63,9 +63,10 @@ struct render_stats
 };
 
 // Renders frame `frame` (any integer). `input` must be picture_width by picture_height; `output` the same size,
-// and is overwritten whole; after an exception it holds something or other. The input is not changed. Throws
-// host::error where sizes do not match, where the effect's answer is an error (unless `fail` is set) or, in
-// checked mode, on a violation. The effect's `plugin` keeps the memory of a frame for the next ones.
+// and is overwritten whole; after an exception it holds something or other. The input is not changed, unless both
+// are the same memory, which they may be. Throws host::error where sizes do not match, where the effect's answer
+// is an error (unless `fail` is set) or, in checked mode, on a violation. The effect's `plugin` keeps the memory
+// of a frame for the next ones.
 render_stats render_frame(const plugin& effect, const composition& comp, const param_tracks& values,
                           std::int32_t frame, const_image_view input, image_view output,
                           const render_options& options = {});
