@@ -135,11 +135,12 @@ std::filesystem::path plugin_beside_binary()
     GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     return std::filesystem::path(path.data()).parent_path() / "Filigrane.aex";
 #elif defined(__APPLE__)
+    const std::filesystem::path in_bundle = "Filigrane.plugin/Contents/MacOS/Filigrane";
     std::array<char, 4096> path{};
     auto size = static_cast<std::uint32_t>(path.size());
     if (_NSGetExecutablePath(path.data(), &size) != 0)
-        return "Filigrane.so";
-    return std::filesystem::weakly_canonical(path.data()).parent_path() / "Filigrane.so";
+        return in_bundle;
+    return std::filesystem::weakly_canonical(path.data()).parent_path() / in_bundle;
 #else
     std::error_code failure;
     const auto binary = std::filesystem::read_symlink("/proc/self/exe", failure);
