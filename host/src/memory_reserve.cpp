@@ -2,8 +2,13 @@
 
 #include <cstdlib>
 #include <new>
-#include <sys/mman.h>
 #include <utility>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <sys/mman.h>
+#endif
 
 #if __has_include(<sanitizer/asan_interface.h>)
 #include <sanitizer/asan_interface.h>
@@ -23,7 +28,18 @@ constexpr std::size_t step = std::size_t{1} << 20;
 constexpr std::size_t smallest_kept = std::size_t{1} << 20;
 constexpr std::size_t largest_kept = std::size_t{1} << 27;
 
-// Null where there are none.
+// Cleared; null where there are none.
+#ifdef _WIN32
+std::byte* map_pages(std::size_t room)
+{
+    return static_cast<std::byte*>(VirtualAlloc(nullptr, room, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+}
+
+void unmap_pages(std::byte* data, std::size_t /*room*/)
+{
+    VirtualFree(data, 0, MEM_RELEASE);
+}
+#else
 std::byte* map_pages(std::size_t room)
 {
     void* const mapped = mmap(nullptr, room, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -35,6 +51,7 @@ void unmap_pages(std::byte* data, std::size_t room)
     ASAN_UNPOISON_MEMORY_REGION(data, room); // whoever is given these addresses next
     munmap(data, room);
 }
+#endif
 } // namespace
 
 memory_block::~memory_block()

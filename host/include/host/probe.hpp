@@ -3,7 +3,7 @@
 // of its own first: what crashes, hangs or ends the process there is an error of one line here.
 //
 // This is no sandbox. It keeps a defective file from taking this process with it; what a malicious one does, it
-// does with the rights of whoever runs this.
+// does with the rights of whoever runs this. Not there on Windows, which has no fork.
 
 #include "host/plugin.hpp"
 
