@@ -78,11 +78,6 @@ public:
     cell_rows(const stroke_candidates& places, const stroke_canvas& canvas, float reach) noexcept
         : places_(places), canvas_(canvas), reach_(reach)
     {
-        const float along = places.per_pixel;
-        // Of a boundary, in pixels: two distances, each of a relative error of four halves of an ulp, of samples
-        // 1 / per_pixel apart; and of its own place, within a few hundred pixels of its panel's.
-        near_ = kRounding * reach * reach * along + kOwnRounding;
-        gone_ = 4.0f * near_;
         // Wide strokes have many samples beside a panel, thin ones many empty pixels within.
         columns_ = std::clamp(trunc_i32(static_cast<double>(reach * 2.0f)) / 64 * 64, 64, kMostColumns);
     }
@@ -93,7 +88,7 @@ public:
     // Cuts its arrays from `memory`. False where they do not fit, or the stroke is none for it.
     bool make_room(scratch_memory& memory) noexcept
     {
-        if (places_.bridged || !places_.even || !places_.ascending || near_ > kMostDoubt)
+        if (places_.bridged || !places_.even || !places_.ascending || doubt_at(reach_) > kMostDoubt)
             return false;
         const float most = (static_cast<float>(columns_) + 2.0f * reach_ + 2.0f) * places_.per_pixel * 1.1f;
         const std::int64_t room = std::min(places_.count, trunc_i32(static_cast<double>(most))) + 4 * kLanes;
@@ -142,7 +137,8 @@ public:
 
 private:
     static constexpr float kRounding = 2.8e-7f;
-    static constexpr float kOwnRounding = 2.5e-4f;
+    static constexpr float kOwnRounding = 3e-4f;
+    static constexpr float kHalfUlp = 6e-8f;   // of 1
     static constexpr float kMostDoubt = 0.05f; // pixels: beyond, too many would be decided one by one
     static constexpr float kFar = 1e6f;
     static constexpr int kStride = kMostColumns + 2 * kLanes;
@@ -156,6 +152,13 @@ private:
         std::int32_t* place;
         int count;
     };
+
+    // Of a boundary, in pixels: two distances that are no greater than this, each of a relative error of four
+    // halves of an ulp, of samples 1 / per_pixel apart; and of its own place, see list_all.
+    float doubt_at(float distance) const noexcept
+    {
+        return kRounding * distance * distance * places_.per_pixel + own_rounding_;
+    }
 
     static float y_of(int row, float origin) noexcept { return static_cast<float>(row) + 0.5f - origin; }
 
@@ -203,7 +206,27 @@ private:
         all_.left[0] = -kFar;
         all_.move[0] = 0.0f;
         end_list(all_);
-        return rows_of_all(from, to);
+        // left + move * y: half an ulp of some numbers within several hundred pixels, five times of what a slope
+        // makes of half the height, once of what it makes of the row.
+        own_rounding_ = kOwnRounding + kHalfUlp * steepest() * (6.0f * half_height_ + reach_);
+        const float doubt = doubt_at(reach_);
+        gone_ = 4.0f * doubt;
+        // Beyond the stroke's ends the nearest sample lies to the side.
+        if (places_.main[begin] > static_cast<float>(at_) + 0.5f ||
+            places_.main[end - 1] < static_cast<float>(at_ + count_) - 0.5f)
+            half_height_ = reach_;
+        return doubt <= kMostDoubt && rows_of_all(from, to);
+    }
+
+    float steepest() const noexcept
+    {
+        float_lanes most = all_lanes(0.0f);
+        for (int i = 0; i < all_.count; i += kLanes)
+            most = higher_of(magnitude(load_lanes<float_lanes>(all_.move + i)), most);
+        float steep = 0.0f;
+        for (int i = 0; i < kLanes; ++i)
+            steep = std::max(steep, most[i]);
+        return steep;
     }
 
     void end_list(cells& list) const noexcept
@@ -255,8 +278,7 @@ private:
         {
             const float y = y_of(row, origin_);
             const bool all = from <= y && y <= to;
-            if (!all)
-                drop_gone(y);
+            fall_ = all ? 0.0f : drop_gone(y);
             const span columns = columns_of(row);
             if (columns.first <= columns.last)
             {
@@ -293,10 +315,12 @@ private:
         end_list(live_);
     }
 
-    // Takes cells from the list that are gone in row y, and closes up.
-    void drop_gone(float y) noexcept
+    // Takes cells from the list that are gone in row y, and closes up. Answers how far a boundary lies before an
+    // earlier one at most: those of neighbours cross by no more than gone_, but many may in turn.
+    float drop_gone(float y) noexcept
     {
         int kept = 0;
+        int_lanes crossed = all_lanes(0);
         bool changed = false; // the boundary of the last one kept is a new one
         for (int i = 0; i < live_.count; i += kLanes)
         {
@@ -306,6 +330,7 @@ private:
                 load_lanes<float_lanes>(live_.left + i + 1) + load_lanes<float_lanes>(live_.move + i + 1) * y;
             const int count = std::min(kLanes, live_.count - i);
             const unsigned gone = lane_bits(right - left < -gone_);
+            crossed |= right < left;
             if (!changed && gone == 0)
             {
                 if (kept != i)
@@ -319,10 +344,32 @@ private:
                 changed = push(k, kept, y);
             changed = changed || (gone >> (kLanes - 1)) != 0; // the next one makes an end of the last
         }
-        if (kept == live_.count)
-            return;
-        live_.count = kept;
-        end_list(live_);
+        if (kept != live_.count)
+        {
+            live_.count = kept;
+            end_list(live_);
+        }
+        return lane_bits(crossed) != 0 ? fall_of_boundaries(y) : 0.0f;
+    }
+
+    float fall_of_boundaries(float y) const noexcept
+    {
+        float highest = -kFar;
+        float fall = 0.0f;
+        for (int i = 0; i < live_.count; i += kLanes)
+        {
+            const float_lanes left =
+                load_lanes<float_lanes>(live_.left + i) + load_lanes<float_lanes>(live_.move + i) * y;
+            const float_lanes right =
+                load_lanes<float_lanes>(live_.left + i + 1) + load_lanes<float_lanes>(live_.move + i + 1) * y;
+            const bool rises = left[0] >= highest && lane_bits(right < left) == 0;
+            for (int k = rises ? kLanes - 1 : 0; k < kLanes; ++k)
+            {
+                fall = std::max(fall, highest - left[k]);
+                highest = std::max(highest, left[k]);
+            }
+        }
+        return fall;
     }
 
     void keep(int to, int from) noexcept
@@ -371,7 +418,7 @@ private:
         find_window(y, columns);
         const float near = doubt_in_row(y);
         const int doubts = in_order ? find_starts<true>(y, columns, near) : find_starts<false>(y, columns, near);
-        lay_places();
+        lay_places(fall_ == 0.0f);
         for (int d = 0; d < doubts; ++d)
             settle(doubts_[d], row, y, in_order);
     }
@@ -379,8 +426,8 @@ private:
     // From a cell that begins before the columns up to one that begins behind them.
     void find_window(float y, span columns) noexcept
     {
-        const float before = static_cast<float>(columns.first - 1);
-        const auto behind = static_cast<float>(columns.last + 2);
+        const float before = static_cast<float>(columns.first - 1) - fall_;
+        const float behind = static_cast<float>(columns.last + 2) + fall_;
         cursor_ = std::min(cursor_, live_.count - 1);
         while (cursor_ > 0 && left_of(cursor_, y) > before)
             --cursor_;
@@ -397,7 +444,7 @@ private:
     float doubt_in_row(float y) const noexcept
     {
         const float far = std::min(reach_, std::fabs(y) + half_height_);
-        return kRounding * far * far * places_.per_pixel + kOwnRounding;
+        return doubt_at(far);
     }
 
     // The first pixel of each cell, and cells whose boundary lies in doubt of a pixel's centre; how many those
@@ -435,7 +482,7 @@ private:
     }
 
     // Each cell's number from its first pixel on, for more pixels than it has: the next one's lie over it.
-    void lay_places() noexcept
+    void lay_places(bool in_order) noexcept
     {
         const std::int32_t* const starts = start_;
         const std::int32_t* const places = live_.place;
@@ -443,7 +490,7 @@ private:
         const auto lay = [&](int i) { store_lanes(found + starts[i], all_lanes(places[i])); };
         constexpr int kTogether = 4;
         int i = cursor_;
-        for (; i + kTogether <= end_; i += kTogether)
+        for (; in_order && i + kTogether <= end_; i += kTogether)
         {
             if (starts[i + kTogether] - starts[i] > kLanes)
             {
@@ -475,6 +522,7 @@ private:
     // the one that it is nearest to, or where boundaries have crossed, both.
     void settle(int i, int row, float y, bool in_order) const noexcept
     {
+        const float near = 2.0f * gone_ + fall_;
         const auto left = static_cast<double>(left_of(i, y));
         const int first = trunc_i32(in_order ? left + 0.5 : left) - 1;
         for (int p = std::max(first, 0); p <= (in_order ? first : first + 1); ++p)
@@ -483,10 +531,10 @@ private:
                 return;
             const auto behind = static_cast<float>(p + 1); // boundaries below lie before the pixel's centre
             int begin = i;
-            while (begin > 0 && left_of(begin, y) >= behind - 2.0f * gone_)
+            while (begin > 0 && left_of(begin, y) >= behind - near)
                 --begin;
             int end = i + 1;
-            while (end < live_.count && left_of(end, y) <= behind + 2.0f * gone_)
+            while (end < live_.count && left_of(end, y) <= behind + near)
                 ++end;
             const float center_main = static_cast<float>(at_ + p) + 0.5f;
             const float center_cross = static_cast<float>(row) + 0.5f;
@@ -601,8 +649,9 @@ private:
     const stroke_candidates& places_;
     const stroke_canvas& canvas_;
     float reach_;
-    float near_ = 0.0f; // a pixel's centre this near to a boundary may lie on either side of it
-    float gone_ = 0.0f; // a cell whose boundaries have crossed by this much is gone
+    float own_rounding_ = kOwnRounding; // of a boundary's place in this panel
+    float gone_ = 0.0f;                 // a cell whose boundaries have crossed by this much is gone
+    float fall_ = 0.0f;                 // of the row: how far a boundary lies before an earlier one at most
     int room_ = 0;
     cells all_{};
     cells live_{};

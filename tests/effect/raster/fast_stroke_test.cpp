@@ -3,7 +3,7 @@
 
 #include "effect/model/work_limits.hpp"
 #include "effect/raster/fast_stroke.hpp"
-#include "raster_stage.hpp"
+#include "stroke_comparison.hpp"
 
 #include <gtest/gtest.h>
 
@@ -14,19 +14,12 @@
 
 namespace
 {
+using raster_test::compare;
+using raster_test::dice;
+using raster_test::levels;
+using raster_test::scene;
 using raster_test::stage;
-
-class dice
-{
-public:
-    explicit dice(unsigned seed) : gen_(seed) {}
-    int whole(int lo, int hi) { return lo + static_cast<int>(gen_() % static_cast<unsigned>(hi - lo + 1)); }
-    float real(float lo, float hi) { return lo + (hi - lo) * static_cast<float>(gen_() % 65536U) / 65535.0f; }
-    bool once_in(int n) { return gen_() % static_cast<unsigned>(n) == 0; }
-
-private:
-    std::mt19937 gen_;
-};
+using raster_test::tally;
 
 enum class shape
 {
@@ -37,20 +30,6 @@ enum class shape
     zigzag,  // back and forth at every sample
     gaps,    // samples missing along the main axis
     hostile, // numbers that are none, infinite or huge
-};
-
-struct scene
-{
-    int width = 0;
-    int height = 0;
-    int axis = 0;
-    int k = 2;
-    bool one_color = false;
-    bool core = false;
-    float core_opacity = 1.0f;
-    float inner = 0.0f;
-    float outer = 0.0f;
-    std::vector<StrokePoint> points;
 };
 
 scene random_scene(unsigned seed, shape form, float max_radius, int max_side)
@@ -125,91 +104,6 @@ scene random_scene(unsigned seed, shape form, float max_radius, int max_side)
         s.points.push_back(p);
     }
     return s;
-}
-
-void set_up(const scene& s, stage& st, LineCreatorClass& creator, std::vector<StrokePoint>& points)
-{
-    st.set_up(creator);
-    points = s.points;
-    creator.points = points.data();
-    creator.pointCount = static_cast<std::int32_t>(points.size());
-    creator.axis = s.axis;
-    creator.samplesPerPixel = s.k;
-    creator.coreOpacity = s.core_opacity;
-    creator.monocolor = s.one_color;
-    creator.innerRadius = s.inner;
-    creator.outerRadius = s.outer;
-    if (s.one_color)
-        creator.pixelFunction = &LineCreatorClass::CalculatePixelMonocolor;
-    if (s.core)
-        creator.subRenderFunction = &LineCreatorClass::SubRenderMonocolor;
-}
-
-struct tally
-{
-    int drawn = 0; // the fast way did it
-    int left = 0;  // it left it to the plain one
-    std::int64_t pixels = 0;
-};
-
-// The levels of instructions that this processor has.
-std::vector<simd_level> levels()
-{
-    std::vector<simd_level> all = {simd_level::baseline};
-    if (chosen_simd_level() == simd_level::avx2)
-        all.push_back(simd_level::avx2);
-    return all;
-}
-
-// Draws the scene both ways, the fast one at one level of instructions, and compares every byte.
-void compare_at(simd_level level, const scene& s, const std::string& what, tally& count, bool starved)
-{
-    std::vector<StrokePoint> points;
-    stage fast(s.width, s.height, 8);
-    LineCreatorClass quick;
-    set_up(s, fast, quick, points);
-    quick.level = level;
-    // Room for the runs, but for no list of places.
-    if (starved)
-        fast.pool.remaining = 20 * 32 + 16 * static_cast<std::uint64_t>(s.width + s.height);
-    if (!draw_stroke_fast(quick))
-    {
-        ++count.left;
-        return;
-    }
-    ++count.drawn;
-    std::vector<std::uint8_t> dirty(std::begin(fast.context->tileDirty), std::end(fast.context->tileDirty));
-    std::vector<PF_Pixel> drawn;
-    for (int y = 0; y < s.height; ++y)
-        for (int x = 0; x < s.width; ++x)
-            drawn.push_back(fast.canvas.at(x, y));
-    EXPECT_TRUE(fast.canvas.padding_is_untouched()) << what;
-
-    stage plain(s.width, s.height, 8);
-    LineCreatorClass slow;
-    set_up(s, plain, slow, points);
-    (slow.*slow.subRenderFunction)();
-    std::size_t i = 0;
-    int wrong = 0;
-    for (int y = 0; y < s.height; ++y)
-        for (int x = 0; x < s.width; ++x, ++i)
-        {
-            const PF_Pixel& want = plain.canvas.at(x, y);
-            count.pixels += want.alpha != 0;
-            if (!raster_test::same(drawn[i], want) && ++wrong < 4)
-                ADD_FAILURE() << what << ", axis " << s.axis << ", k " << s.k << ", " << s.width << " x "
-                              << s.height << ", pixel " << x << ", " << y << ": " << raster_test::text(drawn[i])
-                              << " for " << raster_test::text(want);
-        }
-    ASSERT_EQ(wrong, 0) << what;
-    for (std::size_t t = 0; t < dirty.size(); ++t)
-        ASSERT_EQ(dirty[t], plain.context->tileDirty[t]) << what << ", tile " << t;
-}
-
-void compare(const scene& s, const std::string& what, tally& count, bool starved = false)
-{
-    for (const simd_level level : levels())
-        compare_at(level, s, what + (level == simd_level::avx2 ? ", AVX2" : ", baseline"), count, starved);
 }
 
 struct family
