@@ -43,7 +43,7 @@ constexpr char commands[] = "render, params, presets, about and inspect";
 void add_plugin_option(CLI::App& app, command_line& line)
 {
     app.add_option("--plugin", line.plugin,
-                   "Effect file to use; its code is run (default: Filigrane.so beside this program)")
+                   "Effect file to use; its code is run (default: the Filigrane.so that came with this program)")
         ->type_name("FILE");
 }
 

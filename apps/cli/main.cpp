@@ -3,6 +3,7 @@
 
 #include "about_command.hpp"
 #include "command_line.hpp"
+#include "effect_file.hpp"
 #include "params_command.hpp"
 #include "presets_command.hpp"
 #include "render_command.hpp"
@@ -17,12 +18,12 @@
 
 namespace
 {
-// The effect beside this program is our own; any other is tried in a process of its own before it runs in this
-// one.
+// The effect that belongs to this program is our own; any other is tried in a process of its own before it runs in
+// this one.
 host::plugin load_effect(const cli::command_line& line)
 {
     if (!line.plugin)
-        return host::plugin(host::plugin_beside_binary());
+        return host::plugin(cli::effect_file());
     host::probe_plugin(*line.plugin, host::plugin_patience());
     return host::plugin(std::filesystem::path(*line.plugin));
 }

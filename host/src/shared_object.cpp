@@ -17,6 +17,9 @@
 #ifdef __APPLE__
 #include <mach-o/dyld.h>
 #endif
+#ifdef __linux__
+#include <sys/auxv.h>
+#endif
 
 namespace host
 {
@@ -143,8 +146,10 @@ std::filesystem::path plugin_beside_binary()
     return std::filesystem::weakly_canonical(path.data()).parent_path() / in_bundle;
 #else
     std::error_code failure;
-    const auto binary = std::filesystem::read_symlink("/proc/self/exe", failure);
-    return failure ? std::filesystem::path("Filigrane.so") : binary.parent_path() / "Filigrane.so";
+    std::filesystem::path binary = std::filesystem::read_symlink("/proc/self/exe", failure);
+    if (failure) // as in a bare chroot; this is the path that the kernel was asked to run
+        binary = std::filesystem::absolute(reinterpret_cast<const char*>(getauxval(AT_EXECFN)), failure);
+    return binary.parent_path() / "Filigrane.so";
 #endif
 }
 } // namespace host

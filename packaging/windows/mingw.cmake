@@ -13,4 +13,7 @@ set(nlohmann_json_DIR ${CMAKE_CURRENT_LIST_DIR}/nlohmann_json)
 # Windows keeps the stack aligned to 16 bytes, gcc spills 32-byte vectors to it as if it were 32: the assembler makes
 # every aligned vector move an unaligned one, which costs nothing where the address is aligned.
 set(CMAKE_CXX_FLAGS_INIT -Wa,-muse-unaligned-vector-move)
-set(CMAKE_EXE_LINKER_FLAGS_INIT -static) # nothing of the compiler's own has to stand beside a program
+
+# Nothing of the compiler's own has to stand beside a program or a plug-in.
+set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
+set(CMAKE_MODULE_LINKER_FLAGS_INIT -static)

@@ -210,3 +210,23 @@ TEST_F(failure, a_missing_plugin_beside_the_tool_is_told)
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, error_line("Filigrane.so"));
 }
+
+TEST_F(failure, a_tool_that_was_installed_finds_what_was_installed_with_it)
+{
+    for (const char* folder : {"bin", "lib/filigrane", "share/filigrane/presets"})
+        std::filesystem::create_directories(at(folder));
+    std::filesystem::copy_file(TOOL, at("bin/filigrane"));
+    std::filesystem::copy_file(TEST_EFFECT, at("lib/filigrane/Filigrane.so"));
+    std::filesystem::copy_file(TEST_PRESETS "/half-level.json",
+                               at("share/filigrane/presets/installed-level.json"));
+    const auto installed = [this](std::vector<const char*> words)
+    {
+        words.insert(words.begin(), "filigrane");
+        words.push_back(nullptr);
+        return run_tool({}, [&] { execv(path("bin/filigrane").c_str(), const_cast<char* const*>(words.data())); });
+    };
+    const std::string out = path("out.png");
+    const outcome drawn = installed({"render", "-o", out.c_str(), "--size", "4x4", "--preset", "installed-level"});
+    EXPECT_EQ(drawn.status, 0) << drawn.err;
+    EXPECT_EQ(corner(at("out.png"))[2], 128);
+}
