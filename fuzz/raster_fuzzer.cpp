@@ -1,4 +1,5 @@
-// Strokes of any samples and radii on canvases of any size; ordinary ones against brute force.
+// Strokes of any samples and radii on canvases of any size; small ordinary ones against brute force, others drawn
+// the fast way against the plain one.
 
 #include "effect/model/work_limits.hpp"
 #include "effect/raster/aeg.hpp"
@@ -7,12 +8,14 @@
 #include "fuzz/fuzz_host.hpp"
 #include "fuzz/require.hpp"
 #include "fuzz/small_canvas.hpp"
+#include "tests/support/plain_once.hpp"
 #include "tests/support/reference_stroke.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -20,6 +23,8 @@ namespace
 {
 constexpr std::size_t kPoolBytes = std::size_t{512} << 10;
 constexpr std::size_t kMostSamples = 400;
+constexpr std::size_t kMostSmooth = 3000; // of a long stroke, which few bytes make
+constexpr std::size_t kMostLooks = std::size_t{20} << 20;
 
 bool same(const PF_Pixel& a, const PF_Pixel& b)
 {
@@ -35,6 +40,7 @@ struct scene
     simd_level level = simd_level::baseline;
     float inner_radius = 0.0f;
     float outer_radius = 0.0f;
+    bool smooth = false; // samples follow each other in steps that nothing bridges
     reference::stroke stroke;
 };
 
@@ -79,6 +85,53 @@ std::vector<StrokePoint> read_samples(fuzz::byte_reader& bytes, const reference:
     return samples;
 }
 
+// A long stroke on a long canvas: each three bytes are a stretch of one curvature, in which the radius grows or
+// shrinks. As steep as goes without bridges at most.
+void read_smooth(fuzz::byte_reader& bytes, scene& s)
+{
+    reference::stroke& stroke = s.stroke;
+    const int k = 1 << bytes.whole(0, 3);
+    stroke.samples_per_pixel = k;
+    const int along = std::min(600, 5 * (stroke.axis == 0 ? s.width : s.height));
+    const int across = 1 + (stroke.axis == 0 ? s.height : s.width) % 64;
+    s.width = stroke.axis == 0 ? along : across;
+    s.height = stroke.axis == 0 ? across : along;
+
+    const float step = 1.0f / static_cast<float>(k);
+    const float steepest = k == 1 ? 8.0f : 1.15f * static_cast<float>(k);
+    float main = static_cast<float>(along) + static_cast<float>(static_cast<std::int8_t>(bytes.byte())) / 4.0f;
+    float cross = static_cast<float>(bytes.byte()) / 255.0f * static_cast<float>(across);
+    float radius = static_cast<float>(1 + bytes.byte()) / 2.0f;
+    float slope = static_cast<float>(static_cast<std::int8_t>(bytes.byte())) / 64.0f;
+    float widest = radius;
+    float thinnest = radius;
+    do
+    {
+        const auto bend = static_cast<float>(static_cast<std::int8_t>(bytes.byte()));
+        const int length = 4 * (1 + bytes.byte());
+        const float grows = static_cast<float>(static_cast<std::int8_t>(bytes.byte())) / 1024.0f;
+        for (int i = 0; i < length && stroke.samples.size() < kMostSmooth; ++i)
+        {
+            StrokePoint p{};
+            p.x = stroke.axis == 0 ? main : cross;
+            p.y = stroke.axis == 0 ? cross : main;
+            p.halfWidth = radius;
+            const auto number = static_cast<unsigned>(stroke.samples.size());
+            p.color = {200, static_cast<A_u_char>(number % 256), static_cast<A_u_char>(number / 256), 9};
+            stroke.samples.push_back(p);
+            widest = std::max(widest, radius);
+            thinnest = std::min(thinnest, radius);
+            radius = std::max(0.5f, radius + grows * step);
+            slope = std::clamp(slope + bend * step / 2048.0f, -steepest, steepest);
+            cross += slope * step;
+            main -= step;
+        }
+    } while (bytes.more() && stroke.samples.size() < kMostSmooth);
+    s.outer_radius = widest + 1.5f;
+    s.inner_radius = thinnest / 1.4142135f - 1.5f;
+    s.smooth = true;
+}
+
 scene read_scene(fuzz::byte_reader& bytes)
 {
     scene s;
@@ -93,7 +146,13 @@ scene read_scene(fuzz::byte_reader& bytes)
     const auto quality = bytes.byte();
     // A render never samples more finely.
     s.stroke.samples_per_pixel = quality % 4 == 3 ? std::min(bytes.any_i32(), kMostQuality + 1) : 2 - quality % 2;
-    s.stroke.core_opacity = bytes.byte() % 2 == 0 ? 1.0f : bytes.any_f32();
+    const auto core = bytes.byte();
+    s.stroke.core_opacity = core % 2 == 0 ? 1.0f : bytes.any_f32();
+    if (core >= 128)
+    {
+        read_smooth(bytes, s);
+        return s;
+    }
     s.inner_radius = bytes.any_f32();
     s.outer_radius = bytes.any_f32();
     s.stroke.samples = read_samples(bytes, s.stroke);
@@ -144,6 +203,70 @@ void compare_pixel(const scene& s, int x, int y, const PF_Pixel& drawn)
     const bool core = s.tables == 0 && same(drawn, s.stroke.samples[0].color);
     fuzz::require(same(drawn, expected) || core, "a pixel has the colour of its nearest sample");
 }
+
+// Where a stroke is drawn, and what draws it.
+template <class Creator>
+struct drawing
+{
+    drawing(scene& s, PF_InData* in_data)
+        : memory(kPoolBytes / sizeof(std::max_align_t)), pool{base(), base(), kPoolBytes},
+          canvas(s.width, s.height, s.padding), destination(s.width, s.height, 0),
+          context(&pool, in_data, destination.layer(), canvas.layer(), 0, 0, 0)
+    {
+        creator.pool = &pool;
+        creator.in_data = in_data;
+        creator.context = &context;
+        creator.pixels = canvas.layer()->data;
+        creator.width = s.width;
+        creator.height = s.height;
+        creator.rowBytes = canvas.layer()->rowbytes;
+        creator.coveredMask = pool_array<std::uint8_t>(&pool, std::int64_t{s.width} * s.height);
+        creator.CreateTables();
+        creator.points = s.stroke.samples.data();
+        creator.pointCount = static_cast<std::int32_t>(s.stroke.samples.size());
+        creator.axis = s.stroke.axis;
+        creator.samplesPerPixel = s.stroke.samples_per_pixel;
+        creator.innerRadius = s.inner_radius;
+        creator.outerRadius = s.outer_radius;
+        creator.coreOpacity = s.stroke.core_opacity;
+        creator.monocolor = s.stroke.monocolor;
+        creator.pixelFunction = s.stroke.monocolor ? &LineCreatorClass::CalculatePixelMonocolor
+                                                   : &LineCreatorClass::CalculatePixelMulticolor;
+        creator.level = s.level;
+        creator.subRenderFunction =
+            s.tables == 0 ? &LineCreatorClass::SubRenderMonocolor : &LineCreatorClass::SubRenderMulticolor;
+    }
+
+    std::byte* base() { return reinterpret_cast<std::byte*>(memory.data()); }
+
+    std::vector<std::max_align_t> memory;
+    mem_pool pool;
+    fuzz::small_canvas canvas;
+    fuzz::small_canvas destination;
+    aeg context;
+    Creator creator;
+};
+
+// The same pixels and the same tiles as the plain way, which looks at each sample within twice the radius for each
+// pixel.
+void compare_with_plain(scene& s, PF_InData* in_data, drawing<LineCreatorClass>& fast)
+{
+    if (!s.smooth)
+        return;
+    const auto within = static_cast<std::size_t>(2.0f * s.outer_radius + 2.0f) *
+                        static_cast<std::size_t>(s.stroke.samples_per_pixel);
+    const auto pixels = static_cast<std::size_t>(s.width) * static_cast<std::size_t>(s.height);
+    if (pixels * std::min(within, s.stroke.samples.size()) > kMostLooks)
+        return;
+    drawing<plain_once> plain(s, in_data);
+    plain.creator.draw();
+    for (int y = 0; y < s.height; ++y)
+        for (int x = 0; x < s.width; ++x)
+            fuzz::require(same(fast.canvas.at(x, y), plain.canvas.at(x, y)), "a pixel is as the plain way has it");
+    for (std::size_t tile = 0; tile < std::size(plain.context.tileDirty); ++tile)
+        fuzz::require(fast.context.tileDirty[tile] == plain.context.tileDirty[tile],
+                      "tiles are touched as by the plain way");
+}
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -151,50 +274,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::byte_reader bytes(data, size);
     scene s = read_scene(bytes);
     static fuzz::fuzz_host host; // for its table of functions alone
-    std::vector<std::max_align_t> memory(kPoolBytes / sizeof(std::max_align_t));
-    auto* const base = reinterpret_cast<std::byte*>(memory.data());
-    mem_pool pool = {base, base, kPoolBytes};
-    fuzz::small_canvas canvas(s.width, s.height, s.padding);
-    fuzz::small_canvas destination(s.width, s.height, 0);
-    aeg context(&pool, &host.in_data, destination.layer(), canvas.layer(), 0, 0, 0);
+    drawing<LineCreatorClass> drawn(s, &host.in_data);
+    drawn.creator.Render();
 
-    LineCreatorClass creator;
-    creator.pool = &pool;
-    creator.in_data = &host.in_data;
-    creator.context = &context;
-    creator.pixels = canvas.layer()->data;
-    creator.width = s.width;
-    creator.height = s.height;
-    creator.rowBytes = canvas.layer()->rowbytes;
-    creator.coveredMask = pool_array<std::uint8_t>(&pool, std::int64_t{s.width} * s.height);
-    creator.CreateTables();
-    creator.points = s.stroke.samples.data();
-    creator.pointCount = static_cast<std::int32_t>(s.stroke.samples.size());
-    creator.axis = s.stroke.axis;
-    creator.samplesPerPixel = s.stroke.samples_per_pixel;
-    creator.innerRadius = s.inner_radius;
-    creator.outerRadius = s.outer_radius;
-    creator.coreOpacity = s.stroke.core_opacity;
-    creator.monocolor = s.stroke.monocolor;
-    creator.pixelFunction = s.stroke.monocolor ? &LineCreatorClass::CalculatePixelMonocolor
-                                               : &LineCreatorClass::CalculatePixelMulticolor;
-    creator.level = s.level;
-    creator.subRenderFunction =
-        s.tables == 0 ? &LineCreatorClass::SubRenderMonocolor : &LineCreatorClass::SubRenderMulticolor;
-    creator.Render();
-
-    fuzz::require(canvas.padding_is_untouched(), "the canvas' padding is as it was");
+    fuzz::require(drawn.canvas.padding_is_untouched(), "the canvas' padding is as it was");
     if (ordinary(s))
     {
-        s.stroke.coverage = creator.coverageTable;
+        s.stroke.coverage = drawn.creator.coverageTable;
         for (int y = 0; y < s.height; ++y)
             for (int x = 0; x < s.width; ++x)
-                if (!same(canvas.at(x, y), {0, 0, 0, 0}))
-                    compare_pixel(s, x, y, canvas.at(x, y));
+                if (!same(drawn.canvas.at(x, y), {0, 0, 0, 0}))
+                    compare_pixel(s, x, y, drawn.canvas.at(x, y));
     }
-    context.flush();
+    compare_with_plain(s, &host.in_data, drawn);
+    drawn.context.flush();
     for (int y = 0; y < s.height / 32 * 32; ++y)
         for (int x = 0; x < s.width / 32 * 32; ++x)
-            fuzz::require(same(canvas.at(x, y), {0, 0, 0, 0}), "a flushed canvas is clear");
+            fuzz::require(same(drawn.canvas.at(x, y), {0, 0, 0, 0}), "a flushed canvas is clear");
     return 0;
 }

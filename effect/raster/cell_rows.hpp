@@ -105,7 +105,7 @@ public:
         doubts_ = memory.take<std::int32_t>(room);
         found_ = memory.take<std::int32_t>(kStride);
         rows_ = memory.take<std::int32_t>(kLanes * kStride);
-        return rows_ != nullptr;
+        return start_ != nullptr && doubts_ != nullptr && found_ != nullptr && rows_ != nullptr;
     }
 
     // Draws a panel: calls paint(at, row, needed, sure, places, &colors) for eight pixels from main position `at`

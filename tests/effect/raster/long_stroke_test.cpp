@@ -9,6 +9,7 @@ namespace
 {
 using raster_test::compare;
 using raster_test::dice;
+using raster_test::kWholePool;
 using raster_test::scene;
 using raster_test::tally;
 using raster_test::visits;
@@ -235,7 +236,7 @@ TEST_P(long_stroke, is_what_the_plain_way_draws)
     const family& f = GetParam();
     tally count;
     for (unsigned seed = 1; seed <= f.scenes && !HasFailure(); ++seed)
-        compare(long_scene(seed, f.of), "seed " + std::to_string(seed), count, false, visits::first);
+        compare(long_scene(seed, f.of), "seed " + std::to_string(seed), count, kWholePool, visits::first);
     EXPECT_EQ(count.left, 0);
     EXPECT_GT(count.pixels, 0);
 }
@@ -245,10 +246,10 @@ TEST(long_stroke_of, bends_about_one_point_is_what_the_plain_way_draws)
 {
     tally count;
     for (const unsigned seed : {209001U, 219005U, 288005U})
-        compare(long_scene(seed, {course::arc, 900, 240.0f}), "arc " + std::to_string(seed), count, false,
+        compare(long_scene(seed, {course::arc, 900, 240.0f}), "arc " + std::to_string(seed), count, kWholePool,
                 visits::first);
     for (const unsigned seed : {210001U, 217001U, 252005U})
-        compare(long_scene(seed, {course::tight, 700, 200.0f}), "tight " + std::to_string(seed), count, false,
+        compare(long_scene(seed, {course::tight, 700, 200.0f}), "tight " + std::to_string(seed), count, kWholePool,
                 visits::first);
 }
 
@@ -257,8 +258,27 @@ TEST(long_stroke_of, pixels_beyond_a_steep_end_is_what_the_plain_way_draws)
 {
     tally count;
     for (const unsigned seed : {420003U, 469008U, 1084005U})
-        compare(long_scene(seed, {course::hook, 900, 160.0f}), "hook " + std::to_string(seed), count, false,
+        compare(long_scene(seed, {course::hook, 900, 160.0f}), "hook " + std::to_string(seed), count, kWholePool,
                 visits::first);
+}
+
+// Wherever the pool ends.
+TEST(long_stroke_of, any_memory_is_what_the_plain_way_draws)
+{
+    scene s;
+    s.width = 400;
+    s.height = 24;
+    s.k = 8;
+    s.outer = 101.5f;
+    for (int i = 0; i < 3200; ++i)
+        s.points.push_back({400.0f - 0.125f * static_cast<float>(i), 12.0f + static_cast<float>(i % 9) / 64.0f,
+                            100.0f, PF_Pixel{255, static_cast<A_u_char>(i % 256), 9, 9}});
+    const raster_test::picture plain = raster_test::drawn_plainly(s, visits::first);
+    tally count;
+    for (std::uint64_t bytes = 0; bytes < 200'000 && !HasFailure(); bytes += 2'500)
+        for (const simd_level level : raster_test::levels())
+            raster_test::compare_at(level, s, plain, std::to_string(bytes) + " bytes", count, bytes);
+    EXPECT_EQ(count.left, 0) << "the mask has room for the runs";
 }
 
 INSTANTIATE_TEST_SUITE_P(strokes, long_stroke,

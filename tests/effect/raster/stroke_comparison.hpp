@@ -4,11 +4,13 @@
 
 #include "effect/raster/fast_stroke.hpp"
 #include "raster_stage.hpp"
+#include "tests/support/plain_once.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -39,28 +41,6 @@ struct scene
     float inner = 0.0f;
     float outer = 0.0f;
     std::vector<StrokePoint> points;
-};
-
-// The plain way, but each pixel is decided the first time alone: writing it again writes the same.
-class plain_once : public LineCreatorClass
-{
-public:
-    void decide(int x, int y)
-    {
-        const auto at =
-            static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
-        if (decided_.empty())
-            decided_.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-        if (decided_[at] != 0)
-            return;
-        decided_[at] = 1;
-        (this->*each)(x, y);
-    }
-
-    void (LineCreatorClass::*each)(int, int) = nullptr;
-
-private:
-    std::vector<std::uint8_t> decided_;
 };
 
 // How the plain way visits pixels.
@@ -110,6 +90,14 @@ inline std::size_t pool_bytes(const scene& s)
     return (std::size_t{1} << 22) + pixels + s.points.size() * 64;
 }
 
+constexpr auto kWholePool = std::numeric_limits<std::uint64_t>::max();
+
+// Of a pool: room for the runs, but for no list of places.
+inline std::uint64_t room_for_runs(const scene& s)
+{
+    return 20 * 32 + 16 * static_cast<std::uint64_t>(s.width + s.height);
+}
+
 struct picture
 {
     std::vector<PF_Pixel> pixels; // row by row
@@ -133,26 +121,22 @@ inline picture drawn_plainly(const scene& s, visits which)
     plain_once slow;
     set_up(s, st, slow, points);
     if (which == visits::first)
-    {
-        slow.each = slow.pixelFunction;
-        slow.pixelFunction = static_cast<void (LineCreatorClass::*)(int, int)>(&plain_once::decide);
-    }
-    (slow.*slow.subRenderFunction)();
+        slow.draw();
+    else
+        (slow.*slow.subRenderFunction)();
     return taken_from(s, st);
 }
 
 // Draws the scene the fast way at one level of instructions, and compares every byte with what the plain way drew.
 inline void compare_at(simd_level level, const scene& s, const picture& plain, const std::string& what,
-                       tally& count, bool starved)
+                       tally& count, std::uint64_t pool_rest)
 {
     std::vector<StrokePoint> points;
     stage st(s.width, s.height, 8, pool_bytes(s));
     LineCreatorClass quick;
     set_up(s, st, quick, points);
     quick.level = level;
-    // Room for the runs, but for no list of places.
-    if (starved)
-        st.pool.remaining = 20 * 32 + 16 * static_cast<std::uint64_t>(s.width + s.height);
+    st.pool.remaining = std::min(st.pool.remaining, pool_rest);
     if (!draw_stroke_fast(quick))
     {
         ++count.left;
@@ -177,11 +161,13 @@ inline void compare_at(simd_level level, const scene& s, const picture& plain, c
         ASSERT_EQ(fast.dirty[t], plain.dirty[t]) << what << ", tile " << t;
 }
 
-inline void compare(const scene& s, const std::string& what, tally& count, bool starved = false,
+// With so many bytes of the pool left at most.
+inline void compare(const scene& s, const std::string& what, tally& count, std::uint64_t pool_rest = kWholePool,
                     visits which = visits::every)
 {
     const picture plain = drawn_plainly(s, which);
     for (const simd_level level : levels())
-        compare_at(level, s, plain, what + (level == simd_level::avx2 ? ", AVX2" : ", baseline"), count, starved);
+        compare_at(level, s, plain, what + (level == simd_level::avx2 ? ", AVX2" : ", baseline"), count,
+                   pool_rest);
 }
 } // namespace raster_test
