@@ -53,9 +53,10 @@ OfxStatus describe(const library& lib, OfxImageEffectHandle effect)
     properties.set(kOfxPropPluginDescription, lib.description.c_str());
     properties.set(kOfxPropVersionLabel, FILIGRANE_VERSION);
     const host::plugin_version& version = lib.effect->plugin.version();
-    properties.set(kOfxPropVersion, version.major, 0);
-    properties.set(kOfxPropVersion, version.minor, 1);
-    properties.set(kOfxPropVersion, version.bugfix, 2);
+    int index = 0;
+    for (const int part : {version.major, version.minor, version.bugfix})
+        if (!properties.set(kOfxPropVersion, part, index++))
+            break; // there is no index past one that is missing
 
     // Where lines lie depends on the whole frame: no tiles, and no frame cut up over threads. Nothing is kept
     // between frames, so any number of them may be drawn at once.

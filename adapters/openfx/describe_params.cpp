@@ -5,6 +5,8 @@
 #include "adapters/openfx/library.hpp"
 #include "adapters/openfx/properties.hpp"
 
+#include <vector>
+
 namespace openfx
 {
 namespace
@@ -52,11 +54,21 @@ void set_limits(const property_set& param, const param_row& row)
             set_number(param, row, limit.property, limit.value, i);
 }
 
-void set_choices(const property_set& param, const std::vector<std::string>& choices)
+// Entries are added at the end: none can follow one that the host did not take.
+void set_choices(const property_set& param, const std::vector<const char*>& choices)
 {
     int index = 0;
+    for (const char* choice : choices)
+        if (!param.set(kOfxParamPropChoiceOption, choice, index++))
+            return;
+}
+
+std::vector<const char*> texts_of(const std::vector<std::string>& choices)
+{
+    std::vector<const char*> texts;
     for (const std::string& choice : choices)
-        param.set(kOfxParamPropChoiceOption, choice.c_str(), index++);
+        texts.push_back(choice.c_str());
+    return texts;
 }
 
 void set_double_manner(const property_set& param, const param_row& row)
@@ -76,7 +88,7 @@ void define_row(OfxParamSetHandle params, const param_row& row)
     if (!row.parent.empty())
         param.set(kOfxParamPropParent, row.parent.c_str());
     if (row.info->kind == host::param_kind::popup)
-        set_choices(param, row.info->choices);
+        set_choices(param, texts_of(row.info->choices));
     if (row.ranged)
         set_limits(param, row);
     if (row.info->kind != host::param_kind::color && !row.whole)
@@ -104,10 +116,10 @@ void define_looks(const library& lib, OfxParamSetHandle params)
         return;
     set_texts(param, look_param, "Look",
               "Sets all parameters to those of a look, to begin with. It is back at its first entry at once.");
-    param.set(kOfxParamPropChoiceOption, "Choose a look", 0);
-    int index = 1;
+    std::vector<const char*> choices = {"Choose a look"};
     for (const look& each : lib.looks)
-        param.set(kOfxParamPropChoiceOption, each.label.c_str(), index++);
+        choices.push_back(each.label.c_str());
+    set_choices(param, choices);
     param.set(kOfxParamPropDefault, 0);
     param.set(kOfxParamPropAnimates, 0);
     param.set(kOfxParamPropPersistant, 0);

@@ -187,12 +187,13 @@ OfxStatus is_identity(const library& lib, OfxImageEffectHandle effect, OfxProper
         return kOfxStatReplyDefault;
     const OfxTime time = property_set(in_args).number(kOfxPropTime, 0.0);
     frame_values values(lib, params_of(effect), time, frame_of(time));
-    // The input shows where lines are drawn over it and there are none to be seen, or where they shift it by
-    // nothing.
-    const bool displaced = values.number("Use Displacement") != 0.0;
-    const bool untouched = displaced
+    // The input shows as it is where there is no line over it or all are invisible, and where it is shifted by
+    // nothing. The grid has an opacity of its own.
+    const bool no_lines = values.number("Rows") == 0.0 && values.number("Columns") == 0.0;
+    const bool invisible = values.number("Opacity") < 0.01 && values.number("Show Grid") == 0.0;
+    const bool untouched = values.number("Use Displacement") != 0.0
                                ? values.number("Amount of Displacement") == 0.0
-                               : values.number("Composite On Original") != 0.0 && values.number("Opacity") < 0.01;
+                               : values.number("Composite On Original") != 0.0 && (no_lines || invisible);
     if (!untouched)
         return kOfxStatReplyDefault;
     const property_set answer(out_args);

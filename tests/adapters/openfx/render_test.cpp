@@ -5,6 +5,10 @@
 #include <cfenv>
 #include <cmath>
 
+#if defined(__SSE2__)
+#include <xmmintrin.h>
+#endif
+
 namespace
 {
 using namespace ofx;
@@ -296,6 +300,53 @@ TEST(openfx_render, does_not_believe_a_scale_that_the_sizes_deny)
     EXPECT_EQ(difference(expected, drawn->read()), "");
 }
 
+// A region of 80 by 40 square pixels has 40 by 40 that are twice as wide.
+TEST(openfx_render, counts_in_the_hosts_pixels)
+{
+    const plain_picture source = sample_picture(40, 40);
+    image_manner wide;
+    wide.pixel_aspect = 2.0;
+    session s;
+    s.show(source, wide);
+    draw_over_source(s);
+    s.instance->clips.at("Output")->defined = OfxRectD{0.0, 0.0, 80.0, 40.0};
+    EXPECT_EQ(difference(reference(composition(40, 40), drawn_over_source(), 3, &source),
+                         s.draw(40, 40, wide, {.time = 3.0})->read()),
+              "");
+    host::composition half = composition(40, 40);
+    half.downsample = 2;
+    const plain_picture small = sample_picture(20, 20);
+    wide.scale = 0.5;
+    s.show(small, wide);
+    s.instance->clips.at("Output")->defined = OfxRectD{0.0, 0.0, 80.0, 40.0};
+    EXPECT_EQ(difference(reference(half, drawn_over_source(), 3, &small),
+                         s.draw(20, 20, wide, {.time = 3.0, .scale_x = 0.5, .scale_y = 0.5})->read()),
+              "");
+}
+
+// A host that has tiles all the same: lines lie where they lie in the whole frame.
+TEST(openfx_render, draws_a_part_as_it_is_in_the_whole)
+{
+    const plain_picture source = sample_picture(60, 50);
+    const plain_picture whole = reference(composition(60, 50), drawn_over_source(), 3, &source);
+    session s;
+    s.show(source);
+    draw_over_source(s);
+    image_manner manner;
+    manner.left = 21;
+    manner.bottom = 8;
+    auto tile = std::make_shared<host_image>(30, 20, manner);
+    tile->defined = {0, 0, 60, 50};
+    strict::connect(
+        *s.instance, "Output", [tile](double) { return tile; }, manner);
+    s.instance->clips.at("Output")->defined = OfxRectD{0.0, 0.0, 60.0, 50.0};
+    EXPECT_EQ(s.host.render(s.plugin, *s.instance, {.time = 3.0, .window = tile->bounds()}), kOfxStatOK);
+    plain_picture expected(30, 20);
+    for (int y = 0; y < 20; ++y)
+        std::copy_n(whole.at(21, 50 - 28 + y), 4 * 30, expected.at(0, y));
+    EXPECT_EQ(difference(expected, tile->read()), "");
+}
+
 TEST(openfx_render, draws_a_field_as_every_other_row_of_the_frame)
 {
     const plain_picture frame = sample_picture(40, 31);
@@ -380,4 +431,22 @@ TEST(openfx_render, is_not_misled_by_a_threads_rounding)
         EXPECT_EQ(difference(expected, image->read()), "");
     }
 }
+
+#if defined(__SSE2__)
+// Threads of some hosts take numbers near 0 for 0.
+TEST(openfx_render, is_not_misled_by_flushed_numbers)
+{
+    const plain_picture expected = reference(composition(64, 48), drawn_over_source(), 6);
+    session s(general);
+    draw_over_source(s);
+    const unsigned before = _mm_getcsr();
+    constexpr unsigned flush = 0x8040; // results and operands
+    _mm_setcsr(before | flush);
+    const auto image = s.draw(64, 48, {}, {.time = 6.0});
+    const unsigned after = _mm_getcsr();
+    _mm_setcsr(before);
+    EXPECT_EQ(after & flush, flush);
+    EXPECT_EQ(difference(expected, image->read()), "");
+}
+#endif
 } // namespace

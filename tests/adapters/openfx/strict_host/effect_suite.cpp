@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <thread>
 
 namespace strict
 {
@@ -16,6 +17,7 @@ struct lent_image
     std::shared_ptr<host_image> image;
     std::vector<std::byte> before; // of a source, which is not to be written
     bool output = false;
+    std::thread::id thread = std::this_thread::get_id();
 };
 
 std::map<OfxPropertySetHandle, std::unique_ptr<lent_image>>& lent_images()
@@ -202,6 +204,15 @@ OfxStatus message(void*, const char* type, const char*, const char* format, ...)
     return now.failed();
 }
 } // namespace
+
+int images_out_here()
+{
+    const std::lock_guard hold(the_watch().guard);
+    int out = 0;
+    for (const auto& [handle, lent] : lent_images())
+        out += lent->thread == std::this_thread::get_id() ? 1 : 0;
+    return out;
+}
 
 int images_out()
 {

@@ -68,5 +68,6 @@ bool known_param_type(const std::string& type);
 const OfxImageEffectSuiteV1& effect_suite();
 const OfxParameterSuiteV1& param_suite();
 const OfxMessageSuiteV1& message_suite();
-int images_out(); // lent and not released
+int images_out();      // lent and not released
+int images_out_here(); // of these, to this thread
 } // namespace strict

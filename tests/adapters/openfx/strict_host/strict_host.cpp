@@ -155,9 +155,8 @@ OfxStatus host::act(const OfxPlugin& plugin, const char* action, const void* han
     const arguments held_out(out);
     const std::string before = current_action();
     current_action() = action;
-    const int lent = images_out();
     const OfxStatus answer = plugin.mainEntry(action, handle, in, out);
-    if (std::string(action) != "OfxImageEffectActionRender" && images_out() != lent)
+    if (images_out_here() != 0)
         the_watch().complain("images are kept past the action");
     current_action() = before;
     return answer;
