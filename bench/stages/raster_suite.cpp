@@ -108,11 +108,17 @@ void time_swept_boxes(run& r)
         drawn_line line(radius, true, PF_Quality_HI, simd_level::scalar);
         std::vector<std::int32_t> first(kWidth);
         std::vector<std::int32_t> last(kWidth);
-        swept_region region = {first.data(), last.data()};
+        swept_region region;
+        region.first = first.data();
+        region.last = last.data();
+        std::byte notes[256];
+        scratch_memory memory(notes, sizeof notes);
+        swept_plane holes;
+        holes.take(kWidth, memory);
         std::int64_t walked = 0;
         series timed;
         timed.add("walking", [&] { walked = walked_pixels(line.creator); });
-        timed.add("runs", [&] { region.sweep(line.creator, line.creator.outerRadius); });
+        timed.add("runs", [&] { region.sweep(line.creator, line.creator.outerRadius, holes); });
         timed.run(0.1 * r.effort);
         std::int64_t swept = 0;
         for (int i = 0; i < kWidth; ++i)

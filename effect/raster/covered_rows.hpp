@@ -36,16 +36,13 @@ public:
     // as any.
     row_lanes of(const stroke_tile& t) const noexcept
     {
-        const row_lanes none = {all_lanes(across_), all_lanes(-1)};
-        const float radius = sure_radius(t);
+        const float radius = sure_radius(t.begin, t.end);
         if (!(radius > kWorthwhile))
-            return none;
+            return none();
         const int middle = places_.from(t.begin, t.end, t.centers[0]);
         const float_lanes step_to_lane = __builtin_convertvector(kLaneNumbers, float_lanes) * places_.per_pixel;
-        const float squared = radius * radius;
         constexpr int kDiscs = 7; // to each side
-        float_lanes top;
-        float_lanes bottom;
+        disc_rows found(radius);
         for (int disc = 0; disc <= 2 * kDiscs; ++disc)
         {
             // The first one lies beside the pixels themselves.
@@ -53,31 +50,24 @@ public:
             const float off_by = static_cast<float>(disc == 0 ? 0 : side) * (radius / (kDiscs + 1.0f));
             const int_lanes j = whole(step_to_lane + off_by * places_.per_pixel) + middle;
             const int_lanes held = higher_of(lower_of(j, all_lanes(t.end - 1)), all_lanes(t.begin));
-            const float_lanes main = gather(places_.main, held);
-            const float_lanes cross = gather(places_.cross, held);
-            const float_lanes off = t.centers - main;
-            const float_lanes left = squared - off * off;
-            const float_lanes half = root(higher_of(left, all_lanes(0.0f)));
-            const int_lanes counts =
-                (left > 0.0f) & windows_.inside(main) & (cross != stroke_candidates::kFarAway);
-            if (disc == 0)
-            {
-                if (lane_bits(counts) == 0)
-                    return none;
-                top = counts ? cross - half : all_lanes(kNothing);
-                bottom = counts ? cross + half : all_lanes(-kNothing);
-                continue;
-            }
-            // Whatever meets the rows found so far.
-            const int_lanes meets = counts & (cross + half >= top) & (cross - half <= bottom);
-            top = meets ? lower_of(cross - half, top) : top;
-            bottom = meets ? higher_of(cross + half, bottom) : bottom;
+            add(t, held, &found);
+            if (disc == 0 && lane_bits(found.top < found.bottom) == 0)
+                return none();
         }
-        // Rows whose centres lie between top and bottom.
-        const float_lanes first = higher_of(top - 0.5f, all_lanes(-1.0f)) + 2.0f;
-        const float_lanes last = lower_of(bottom + 0.5f, all_lanes(static_cast<float>(across_)));
-        const int_lanes some = top < bottom;
-        return {some ? whole(first) - 1 : none.first, some ? whole(last) - 1 : none.last};
+        return rows(found);
+    }
+
+    // The same where the nearest place is one of those from `begin` up to but not `end`, with discs around two of
+    // them for each lane.
+    row_lanes beside(const lane_pixels& t, int begin, int end, int_lanes one, int_lanes other) const noexcept
+    {
+        const float radius = sure_radius(begin, end);
+        if (!(radius > kWorthwhile))
+            return none();
+        disc_rows found(radius);
+        add(t, one, &found);
+        add(t, other, &found);
+        return rows(found);
     }
 
 private:
@@ -85,13 +75,49 @@ private:
     static constexpr float kInsideWindows = 1.2f; // pixels: what is this much nearer than the outer radius counts
     static constexpr float kNothing = 1e9f;
 
-    float sure_radius(const stroke_tile& t) const noexcept
+    // Across, from .top to .bottom in each lane: what discs of one radius cover.
+    struct disc_rows
+    {
+        float radius;
+        float_lanes top = all_lanes(kNothing);
+        float_lanes bottom = all_lanes(-kNothing);
+
+        explicit disc_rows(float r) noexcept : radius(r) {}
+    };
+
+    row_lanes none() const noexcept { return {all_lanes(across_), all_lanes(-1)}; }
+
+    // Adds the discs around these places, where they meet what was found so far.
+    void add(const lane_pixels& t, int_lanes places, disc_rows* found) const noexcept
+    {
+        const float_lanes main = gather(places_.main, places);
+        const float_lanes cross = gather(places_.cross, places);
+        const float_lanes off = t.centers - main;
+        const float_lanes left = found->radius * found->radius - off * off;
+        const float_lanes half = root(higher_of(left, all_lanes(0.0f)));
+        const int_lanes counts = (left > 0.0f) & windows_.inside(main) & (cross != stroke_candidates::kFarAway);
+        const int_lanes meets = counts & ((found->top > found->bottom) |
+                                          ((cross + half >= found->top) & (cross - half <= found->bottom)));
+        found->top = meets ? lower_of(cross - half, found->top) : found->top;
+        found->bottom = meets ? higher_of(cross + half, found->bottom) : found->bottom;
+    }
+
+    // Rows whose centres lie between top and bottom.
+    row_lanes rows(const disc_rows& found) const noexcept
+    {
+        const float_lanes first = higher_of(found.top - 0.5f, all_lanes(-1.0f)) + 2.0f;
+        const float_lanes last = lower_of(found.bottom + 0.5f, all_lanes(static_cast<float>(across_)));
+        const int_lanes some = found.top < found.bottom;
+        return {some ? whole(first) - 1 : none().first, some ? whole(last) - 1 : none().last};
+    }
+
+    float sure_radius(int begin, int end) const noexcept
     {
         const bool flat = creator_.samplesPerPixel <= 1; // no fall-off, no anti-aliasing
         if (!places_.all_numbers || !windows_.known() || (!flat && creator_.coreOpacity != 1.0f) ||
-            t.begin >= t.end)
+            begin >= end)
             return 0.0f;
-        const float safe = thinnest(t.begin, t.end) * 0.99999f - 0.001f;
+        const float safe = thinnest(begin, end) * 0.99999f - 0.001f;
         return std::min(flat ? safe + 1.0f : safe - 1.0f, creator_.outerRadius - kInsideWindows);
     }
 

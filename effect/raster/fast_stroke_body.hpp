@@ -3,20 +3,19 @@
 // to that file.
 
 #include "effect/model/work_limits.hpp"
-#include "effect/raster/cell_rows.hpp"
 #include "effect/raster/covered_rows.hpp"
 #include "effect/raster/line_creator.hpp"
 #include "effect/raster/nearest_place.hpp"
 #include "effect/raster/pixel_shade.hpp"
 #include "effect/raster/row_masks.hpp"
 #include "effect/raster/sample_search.hpp"
+#include "effect/raster/stroke_blocks.hpp"
 #include "effect/raster/stroke_canvas.hpp"
 #include "effect/raster/stroke_windows.hpp"
 #include "effect/raster/swept_region.hpp"
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 #include <limits>
 #include <memory>
 
@@ -42,16 +41,16 @@ public:
         const bool in_pool = take_arrays(pool_rest);
         if (!in_pool && !take_arrays(mask))
             return false;
-        bool whole = outer_.sweep(creator_, creator_.outerRadius);
+        outer_.sweep(creator_, creator_.outerRadius, plane_);
         if (solid_core)
-            whole = core_.sweep(creator_, creator_.innerRadius) && whole;
+            core_.sweep(creator_, creator_.innerRadius, plane_);
         else
             clear_core();
-        if (!whole)
+        if (plane_.any())
         {
             if (!in_pool || creator_.coveredMask == nullptr)
                 return false;
-            make_plane(solid_core);
+            plane_.fill(creator_, solid_core, creator_.coveredMask);
         }
         if (!find_extent())
             return true;
@@ -59,12 +58,13 @@ public:
             creator_.sweptPixels += std::max(0, outer_.last[i] - outer_.first[i] + 1);
 
         const index_window used = {windows_.at(begin_).first, windows_.at(end_ - 1).last};
-        const stroke_reach reach(widest(used));
+        widest_ = widest(used);
+        const stroke_reach reach(widest_);
         reach_squared_ = reach.squared;
         stroke_candidates places;
         scratch_memory* rest = &pool_rest;
         bool collected = places.collect(creator_, used.first, used.last, reach.distance, Multicolor, pool_rest);
-        if (!collected && plane_ == nullptr)
+        if (!collected && !plane_.any())
         {
             rest = &mask;
             collected = places.collect(creator_, used.first, used.last, reach.distance, Multicolor, mask);
@@ -80,13 +80,13 @@ private:
     static constexpr int kPanel = row_masks::kColumns;
     static constexpr int kTilesOfPanel = kPanel / kLanes;
     static constexpr float kThin = 6.0f; // pixels: up to this reach, searches cost less than following cells
-    static constexpr std::uint8_t kSwept = 1;
-    static constexpr std::uint8_t kCore = 2;
+    static_assert(kPanel == swept_plane::kStretch);
 
     struct panel
     {
         int at; // main position of its first column
         int count;
+        bool holed; // the swept pixels are those of the plane
         span rows; // that anything may be drawn in
         alignas(stroke_tile) std::byte room[kTilesOfPanel * sizeof(stroke_tile)];
         stroke_tile& tile(int number) noexcept { return reinterpret_cast<stroke_tile*>(room)[number]; }
@@ -108,23 +108,13 @@ private:
                 return false;
             std::fill_n(*array, canvas_.across + 1, std::uint64_t{0});
         }
-        return canvas_.note_tiles(memory);
+        return plane_.take(canvas_.size, memory) && canvas_.note_tiles(memory);
     }
 
     void clear_core() noexcept
     {
         std::fill_n(core_.first, canvas_.size, canvas_.across);
         std::fill_n(core_.last, canvas_.size, -1);
-    }
-
-    // Notes the swept pixels one by one.
-    void make_plane(bool solid_core) noexcept
-    {
-        plane_ = creator_.coveredMask;
-        std::memset(plane_, 0, mask_bytes());
-        sweep_plane(creator_, creator_.outerRadius, kSwept, plane_);
-        if (solid_core)
-            sweep_plane(creator_, creator_.innerRadius, kCore, plane_);
     }
 
     // The main positions that have pixels at all.
@@ -162,65 +152,40 @@ private:
         nearest_place nearest(places, reach, canvas_.across);
         windows_.judge(places);
         const covered_rows covered(creator_, places, windows_, canvas_.across);
-        cell_rows cells(places, canvas_, reach.distance);
-        const bool by_cells = Multicolor && plane_ == nullptr && reach.distance > kThin && cells.make_room(memory);
-        nearest_place ahead(places, reach, canvas_.across);
-        const int step = by_cells ? cells.columns() : kPanel;
-        for (int from = begin_ - begin_ % kPanel; from < end_; from += step)
-        {
-            if (by_cells && draw_cells(cells, ahead, covered, places, reach, from))
-                continue;
-            for (int at = from; at < std::min(from + step, end_); at += kPanel)
-                draw_panel(
-                    at,
-                    [&](stroke_tile& t)
-                    {
-                        nearest.enter(t);
-                        t.all_inside = windows_.all_inside(places, t.begin, t.end);
-                        return Multicolor ? no_rows() : covered.of(t);
-                    },
-                    [&](stroke_tile& t, int row, unsigned needed)
-                    { return decide(nearest, places, t, row, needed); });
-        }
+        if (Multicolor && reach.distance > kThin && draw_blocks(covered, places, reach, memory))
+            return;
+        for (int at = begin_ - begin_ % kPanel; at < end_; at += kPanel)
+            draw_panel(
+                at,
+                [&](stroke_tile& t)
+                {
+                    nearest.enter(t);
+                    t.all_inside = windows_.all_inside(places, t.begin, t.end);
+                    return Multicolor ? no_rows() : covered.of(t);
+                },
+                [&](stroke_tile& t, int row, unsigned needed)
+                { return decide(nearest, places, t, row, needed); });
     }
 
-    // Draws a panel by the cells of its samples. False, with nothing drawn, where they cannot be followed.
-    bool draw_cells(cell_rows& cells, nearest_place& ahead, const covered_rows& covered,
-                    const stroke_candidates& places, stroke_reach reach, int at) noexcept
+    // Draws a wide stroke block by block. False, with nothing drawn, where it cannot be.
+    bool draw_blocks(const covered_rows& covered, const stroke_candidates& places, stroke_reach reach,
+                     scratch_memory& memory) noexcept
     {
-        cell_rows::panel p;
-        bool all_inside = true;
-        p.at = at;
-        p.count = std::min(cells.columns(), canvas_.size - at);
-        for (int first = 0; first < p.count; first += kLanes)
-        {
-            stroke_tile t = tile_at(at + first);
-            ahead.enter_pixels(t);
-            all_inside = all_inside && windows_.all_inside(places, t.begin, t.end);
-            const row_lanes sure = covered.of(t);
-            for (int i = 0; i < kLanes; ++i)
+        stroke_blocks blocks(places, canvas_, windows_, covered, plane_, widest_);
+        if (!blocks.make_room(outer_.first, outer_.last, memory))
+            return false;
+        blocks.draw(
+            [&](const lane_pixels& t, int row, unsigned needed, unsigned sure, int_lanes place, int_lanes* color)
             {
-                const span swept =
-                    i < t.count ? span{outer_.first[t.at + i], outer_.last[t.at + i]} : span{canvas_.across, -1};
-                p.set(first + i, {std::max(swept.first, t.reach.first), std::min(swept.last, t.reach.last)},
-                      {sure.first[i], sure.last[i]});
-            }
-        }
-        return cells.draw(
-            p,
-            [&](int main_at, int row, unsigned needed, unsigned sure, int_lanes place, int_lanes* color)
-            {
-                *color = gather(places.color, place);
-                if ((needed & ~sure) == 0)
-                    return needed;
-                lane_pixels t(main_at);
-                t.all_inside = all_inside;
                 const float_lanes dm = t.centers - gather(places.main, place);
                 const float_lanes dc = static_cast<float>(row) + 0.5f - gather(places.cross, place);
                 nearest_lanes near = {place, dm * dm + dc * dc};
                 const unsigned rim = needed & ~sure & lane_bits(near.squared < reach.squared);
                 return (needed & sure) | shaded(places, t, row, rim, near, color);
-            });
+            },
+            [&](nearest_place& nearest, stroke_tile& t, int row, unsigned needed)
+            { return decide(nearest, places, t, row, needed); });
+        return true;
     }
 
     row_lanes no_rows() const noexcept { return {all_lanes(canvas_.across), all_lanes(-1)}; }
@@ -257,6 +222,7 @@ private:
         panel p;
         p.at = at;
         p.count = std::min(kPanel, canvas_.size - at);
+        p.holed = plane_.holed(at);
         p.rows = {canvas_.across, -1};
         row_masks swept(swept_toggles_);
         row_masks solid(solid_toggles_);
@@ -277,13 +243,13 @@ private:
         const span all = {outer_.first[at], outer_.last[at]};
         const span core = {core_.first[at], core_.last[at]};
         const span reached = {std::max(all.first, t.reach.first), std::min(all.last, t.reach.last)};
-        span full = plane_ == nullptr ? core : span{0, -1};
+        span full = p.holed ? span{0, -1} : core;
         full = joined(full, {std::max(covered.first, all.first), std::min(covered.last, all.last)});
         swept.add(at - p.at, reached);
         solid.add(at - p.at, full);
         include(p.rows, reached);
         include(p.rows, full);
-        if (plane_ != nullptr)
+        if (p.holed)
             include(p.rows, core);
         else if (canvas_.fills_across() && full.first <= full.last)
             canvas_.fill_across(at, full, creator_.points[0].color);
@@ -298,17 +264,17 @@ private:
     template <class Decide>
     void draw_rows(panel& p, row_masks swept, row_masks solid, Decide decide) noexcept
     {
-        const bool filled = plane_ == nullptr && canvas_.fills_across();
+        const bool filled = !p.holed && canvas_.fills_across();
         std::uint64_t written = 0; // in the tiles of the row before
         for (int row = p.rows.first; row <= p.rows.last; ++row)
         {
             std::uint64_t some = swept.take(row);
             std::uint64_t full = solid.take(row);
-            if (plane_ != nullptr)
+            if (p.holed)
             {
-                const std::uint64_t all = plane_bits(p, row, kSwept);
+                const std::uint64_t all = plane_.bits(p.at, p.count, row, swept_plane::kSwept);
                 some &= all;
-                full = (full & all) | plane_bits(p, row, kCore);
+                full = (full & all) | plane_.bits(p.at, p.count, row, swept_plane::kCore);
             }
             if (row > p.rows.first && canvas_.tile_across(row) != canvas_.tile_across(row - 1))
             {
@@ -332,15 +298,6 @@ private:
         canvas_.mark(p.at, canvas_.tile_across(p.rows.last), written);
         swept.take(p.rows.last + 1);
         solid.take(p.rows.last + 1);
-    }
-
-    std::uint64_t plane_bits(const panel& p, int row, unsigned bit) const noexcept
-    {
-        const std::uint8_t* const bytes = plane_ + static_cast<std::ptrdiff_t>(row) * canvas_.size + p.at;
-        std::uint64_t bits = 0;
-        for (int i = 0; i < p.count; ++i)
-            bits |= (bytes[i] & bit) != 0 ? std::uint64_t{1} << static_cast<unsigned>(i) : std::uint64_t{0};
-        return bits;
     }
 
     // Draws lanes of one row of a tile, and answers which it wrote.
@@ -415,11 +372,12 @@ private:
     stroke_windows windows_;
     pixel_shade shade_;
     float reach_squared_ = 0.0f;
+    float widest_ = 0.0f; // radius of a sample that counts anywhere
     int begin_ = 0; // main positions that have pixels
     int end_ = 0;
     swept_region outer_{};
     swept_region core_{};
-    std::uint8_t* plane_ = nullptr; // the swept pixels one by one, where the runs have holes
+    swept_plane plane_; // the swept pixels one by one, where the runs have holes
     std::uint64_t* swept_toggles_ = nullptr;
     std::uint64_t* solid_toggles_ = nullptr;
 };

@@ -83,18 +83,22 @@ public:
     // Sets the candidates and the rows in reach of the tile, for searches. Tiles come in ascending order.
     void enter(stroke_tile& t) noexcept
     {
-        const float first = static_cast<float>(t.at) + 0.5f;
-        const float last = first + static_cast<float>(kLanes - 1);
-        near_.move(places_, first - reach_.distance, last + reach_.distance);
-        wide_.move(places_, first - corner_reach_, last + 1.0f + corner_reach_);
-        const bool few = near_.end - near_.begin <= kWideWindow;
-        t.narrowed = !few;
-        t.begin = few ? near_.begin : wide_.begin;
-        t.end = few ? near_.end : wide_.end;
+        find_candidates(t);
         t.reach = rows_in_reach(t);
         t.hint = -1;
         t.looked = {0, -1};
         t.single = t.narrowed ? rows_of_one_fall(t) : span{0, -1};
+    }
+
+    // The same for a search in one row, whatever is in reach there.
+    void enter_row(stroke_tile& t) noexcept
+    {
+        const auto first = static_cast<float>(t.at);
+        t.narrowed = true;
+        t.begin = places_.from(0, places_.count, first - corner_reach_);
+        t.end = places_.from(t.begin, places_.count, first + static_cast<float>(kLanes + 1) + corner_reach_);
+        t.hint = corner_;
+        t.single = {0, -1};
     }
 
     // For one row of the tile.
@@ -118,6 +122,18 @@ public:
     }
 
 private:
+    void find_candidates(stroke_tile& t) noexcept
+    {
+        const float first = static_cast<float>(t.at) + 0.5f;
+        const float last = first + static_cast<float>(kLanes - 1);
+        near_.move(places_, first - reach_.distance, last + reach_.distance);
+        wide_.move(places_, first - corner_reach_, last + 1.0f + corner_reach_);
+        const bool few = near_.end - near_.begin <= kWideWindow;
+        t.narrowed = !few;
+        t.begin = few ? near_.begin : wide_.begin;
+        t.end = few ? near_.end : wide_.end;
+    }
+
     // Widths of candidate windows from which on it pays to look for the nearest place at a tile's corners first.
     static constexpr int kWideWindow = 48;
     static constexpr int kBlock = 128; // candidates looked at in one go

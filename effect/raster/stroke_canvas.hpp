@@ -44,9 +44,10 @@ public:
     // One row of a tile: the lanes of `bits`, with the bytes of their pixels.
     void store(int main_at, int cross_at, unsigned bits, int_lanes colors) const noexcept
     {
-        if (!along_y_ && bits == 0xff)
+        if (!along_y_ && main_at + kLanes <= size)
         {
-            store_lanes(creator_.pixel_at(main_at, cross_at), colors);
+            PF_Pixel* const to = creator_.pixel_at(main_at, cross_at);
+            store_lanes(to, bits == 0xff ? colors : lanes_of_bits(bits) ? colors : load_lanes<int_lanes>(to));
             return;
         }
         for (unsigned left = bits; left != 0; left &= left - 1)
@@ -54,6 +55,14 @@ public:
             const int lane = std::countr_zero(left);
             *pixel(main_at + lane, cross_at) = std::bit_cast<PF_Pixel>(static_cast<std::int32_t>(colors[lane]));
         }
+    }
+
+    // Eight rows of eight pixels, as vectors along the canvas's rows.
+    void store_square(int main_at, int cross_at, const int_lanes* colors) const noexcept
+    {
+        auto* at = reinterpret_cast<unsigned char*>(pixel(main_at, cross_at));
+        for (int i = 0; i < kLanes; ++i, at += creator_.rowBytes)
+            store_lanes(reinterpret_cast<PF_Pixel*>(at), colors[i]);
     }
 
     // Row `cross_at` of a panel: the pixels of `mask`, bit i at main position `main_at` + i.
