@@ -27,9 +27,12 @@ constexpr std::int64_t kMostPieces = 131072;
 // The finest quality that lines are sampled at: 8 samples a pixel. Hosts ask for 0 or 1, one or two a pixel.
 constexpr std::int32_t kMostQuality = 7;
 
-// Pixels that all strokes of a render sweep together, in canvases. A stroke sweeps no more than one, a line that
-// does not wrap is one stroke, and sliders end at 200 lines. Further strokes are left out.
+// Pixels that all strokes of a render sweep together: this many canvases, or on small ones this many pixels, by
+// the boxes around them. A stroke sweeps no more than one canvas, a line that does not wrap is one stroke, and
+// sliders end at 200 lines. Lines that wrap get there after wrapping round hundreds of times over most of the
+// canvas. Further strokes are left out.
 constexpr std::int64_t kMostCanvases = 256;
+constexpr std::int64_t kMostSweptPixels = std::int64_t{1} << 29;
 
 // Samples, and positions between them, that strokes without a list of places look at, all strokes of a render
 // together. Lists lack memory only where lines rise tens of pixels at every step. Further pixels are left out.

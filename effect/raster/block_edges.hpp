@@ -8,9 +8,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
-#include <cstdint>
 
 namespace
 {
@@ -20,7 +20,7 @@ class block_edges
 public:
     struct tile_edges
     {
-        int first;         // edges that are known, both included
+        int first; // edges that are known, both included
         int last;
         std::int32_t* row; // their places: eight for each edge; -1 for none in reach
     };
@@ -80,9 +80,9 @@ public:
     // `last`: none below *low, none above *high, if all places between these two have cells in both edges. False
     // where they are not known.
     //
-    // Of the pixels before `first`, take the one of the two edges whose place is the lower one, and in the other edge
-    // a pixel whose place is no higher. Then the lower one has a cell in both edges; a cell is convex, so it has one
-    // in every row between, before `first`; and along a row places follow each other.
+    // Of the pixels before `first`, take the one of the two edges whose place is the lower one, and in the other
+    // edge a pixel whose place is no higher. Then the lower one has a cell in both edges; a cell is convex, so it
+    // has one in every row between, before `first`; and along a row places follow each other.
     bool between(int edge, int first, int last, int* low, int* high) const noexcept
     {
         return passed(edge, first - 1, -1, low) && passed(edge, last + 1, 1, high);
@@ -104,8 +104,8 @@ private:
         }
     }
 
-    // The edges around a tile's own rows and those of the tiles beside it. Tiles off the canvas have edges too, so that
-    // those at its ends have some beside them.
+    // The edges around a tile's own rows and those of the tiles beside it. Tiles off the canvas have edges too, so
+    // that those at its ends have some beside them.
     tile_edges edges_of(const span* rows, int tile) const noexcept
     {
         span all = {std::numeric_limits<int>::max(), -1};
@@ -144,7 +144,8 @@ private:
         if (!knows(edge, tile))
             return -1;
         const tile_edges& known = tile_[tile + tiles_beside_];
-        return known.row[(static_cast<std::ptrdiff_t>(edge - known.first) << kLaneBits) + (main_at & (kLanes - 1))];
+        return known
+            .row[(static_cast<std::ptrdiff_t>(edge - known.first) << kLaneBits) + (main_at & (kLanes - 1))];
     }
 
     static constexpr int kLaneBits = std::countr_zero(static_cast<unsigned>(kLanes));

@@ -37,8 +37,8 @@ public:
 
     explicit column_runs(const stroke_candidates& places) noexcept : places_(places) {}
 
-    // Whether the block of main positions `at` to `at` + 7 and `height` rows from `row` on can be told: `above` are
-    // the places nearest to row `row`, `below` those nearest to row `row` + `height`, and no pixel between is
+    // Whether the block of main positions `at` to `at` + 7 and `height` rows from `row` on can be told: `above`
+    // are the places nearest to row `row`, `below` those nearest to row `row` + `height`, and no pixel between is
     // nearest to any but places `low` to `high`.
     bool enter(int at, int row, int height, int low, int high, int_lanes above, int_lanes below) noexcept
     {
@@ -90,17 +90,17 @@ public:
 private:
     static constexpr int kMostCells = 184;
     static constexpr float kRounding = 3e-7f;
-    static constexpr float kOwnRounding = 5e-4f; // pixels: of a boundary's place, with the limits below
-    static constexpr float kFarthest = 300.0f;   // pixels, of a pixel from its place
-    static constexpr float kSteepest = 2.5f;     // of a stroke, across by along
+    static constexpr float kOwnRounding = 5e-4f;  // pixels: of a boundary's place, with the limits below
+    static constexpr float kFarthest = 300.0f;    // pixels, of a pixel from its place
+    static constexpr float kSteepest = 2.5f;      // of a stroke, across by along
     static constexpr float kMostLeaning = 700.0f; // pixels
-    static constexpr float kMostDoubt = 0.05f; // pixels
-    static constexpr float kSteady = 1e-7f;    // a boundary that moves no more from row to row is crossed nowhere
+    static constexpr float kMostDoubt = 0.05f;    // pixels
+    static constexpr float kSteady = 1e-7f; // a boundary that moves no more from row to row is crossed nowhere
 
     float centre_of(int row) const noexcept { return static_cast<float>(row) + 0.5f; }
 
-    // The largest squared distance of the block's pixels from their places, or more. That from one place is largest
-    // at one of the column's ends.
+    // The largest squared distance of the block's pixels from their places, or more. That from one place is
+    // largest at one of the column's ends.
     float farthest_squared() const noexcept
     {
         const lane_pixels t(at_);
@@ -184,8 +184,8 @@ private:
         }
     }
 
-    // In which of the rows column `lane` is first behind boundaries `begin` to `last`, and which of them may lie on
-    // a pixel's centre; how many those are.
+    // In which of the rows column `lane` is first behind boundaries `begin` to `last`, and which of them may lie
+    // on a pixel's centre; how many those are.
     int find_rows(int lane, span rows, int begin, int last) noexcept
     {
         const auto column = static_cast<float>(lane + 1);
@@ -197,8 +197,8 @@ private:
             const int i = j - low_;
             const float_lanes y =
                 (column - load_lanes<float_lanes>(left_ + i)) * load_lanes<float_lanes>(inverse_ + i);
-            // From the row before the first to the one behind the last; all that lies farther off, half-way between
-            // rows, where nothing is in doubt.
+            // From the row before the first to the one behind the last; all that lies farther off, half-way
+            // between rows, where nothing is in doubt.
             const float_lanes held =
                 lower_of(higher_of(y + shift, all_lanes(0.5f)), all_lanes(static_cast<float>(count) + 2.5f));
             const int_lanes row = whole(held);
@@ -216,7 +216,8 @@ private:
     void settle(int lane, span rows, int j, std::int32_t* to) const noexcept
     {
         const int i = j - low_;
-        const float crossed = (static_cast<float>(lane + 1) - left_[i]) * inverse_[i] - static_cast<float>(rows.first);
+        const float crossed =
+            (static_cast<float>(lane + 1) - left_[i]) * inverse_[i] - static_cast<float>(rows.first);
         const auto last = static_cast<float>(rows.last - rows.first);
         const auto begin = static_cast<int>(std::ceil(std::clamp(crossed - doubt_[i], 0.0f, last + 1.0f)));
         const auto end = static_cast<int>(std::floor(std::clamp(crossed + doubt_[i], -1.0f, last)));

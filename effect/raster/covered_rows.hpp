@@ -114,8 +114,7 @@ private:
     float sure_radius(int begin, int end) const noexcept
     {
         const bool flat = creator_.samplesPerPixel <= 1; // no fall-off, no anti-aliasing
-        if (!places_.all_numbers || !windows_.known() || (!flat && creator_.coreOpacity != 1.0f) ||
-            begin >= end)
+        if (!places_.all_numbers || !windows_.known() || (!flat && creator_.coreOpacity != 1.0f) || begin >= end)
             return 0.0f;
         const float safe = thinnest(begin, end) * 0.99999f - 0.001f;
         return std::min(flat ? safe + 1.0f : safe - 1.0f, creator_.outerRadius - kInsideWindows);

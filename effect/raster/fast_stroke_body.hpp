@@ -54,9 +54,6 @@ public:
         }
         if (!find_extent())
             return true;
-        for (int i = begin_; i < end_; ++i)
-            creator_.sweptPixels += std::max(0, outer_.last[i] - outer_.first[i] + 1);
-
         const index_window used = {windows_.at(begin_).first, windows_.at(end_ - 1).last};
         widest_ = widest(used);
         const stroke_reach reach(widest_);
@@ -87,7 +84,7 @@ private:
         int at; // main position of its first column
         int count;
         bool holed; // the swept pixels are those of the plane
-        span rows; // that anything may be drawn in
+        span rows;  // that anything may be drawn in
         alignas(stroke_tile) std::byte room[kTilesOfPanel * sizeof(stroke_tile)];
         stroke_tile& tile(int number) noexcept { return reinterpret_cast<stroke_tile*>(room)[number]; }
     };
@@ -163,8 +160,7 @@ private:
                     t.all_inside = windows_.all_inside(places, t.begin, t.end);
                     return Multicolor ? no_rows() : covered.of(t);
                 },
-                [&](stroke_tile& t, int row, unsigned needed)
-                { return decide(nearest, places, t, row, needed); });
+                [&](stroke_tile& t, int row, unsigned needed) { return decide(nearest, places, t, row, needed); });
     }
 
     // Draws a wide stroke block by block. False, with nothing drawn, where it cannot be.
@@ -373,7 +369,7 @@ private:
     pixel_shade shade_;
     float reach_squared_ = 0.0f;
     float widest_ = 0.0f; // radius of a sample that counts anywhere
-    int begin_ = 0; // main positions that have pixels
+    int begin_ = 0;       // main positions that have pixels
     int end_ = 0;
     swept_region outer_{};
     swept_region core_{};

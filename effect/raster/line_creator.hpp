@@ -57,7 +57,7 @@ public:
     bool monocolor = false;
     simd_level level =
         simd_level::baseline;     // scalar: the plain functions of the whole effect, not of the strokes alone
-    std::int64_t sweptPixels = 0; // by all strokes of the render so far
+    std::int64_t sweptPixels = 0; // at most, by all strokes of the render so far
     std::int64_t sampleLooks = 0; // of searches without a list of places, by all strokes so far
     void (LineCreatorClass::*pixelFunction)(int, int) = nullptr;
     void (LineCreatorClass::*subRenderFunction)() = nullptr;

@@ -58,11 +58,43 @@ void set_radii(LineCreatorClass& creator, std::int32_t stressed_width, float wid
     }
 }
 
-// One run of samples, drawn and laid over the destination.
-void draw_piece(LineCreatorClass& creator, aeg* context, StrokePoint* samples, int count)
+std::int64_t canvas_pixels(const LineCreatorClass& creator) noexcept
 {
-    if (creator.sweptPixels / kMostCanvases > std::int64_t{creator.width} * creator.height)
+    return std::int64_t{creator.width} * creator.height;
+}
+
+// Pixels of the canvas in the box around a run of samples, the outer radius added to each side, or a few more.
+std::int64_t box_pixels(const LineCreatorClass& creator, const StrokePoint* samples, int count) noexcept
+{
+    float left = samples[0].x;
+    float right = left;
+    float top = samples[0].y;
+    float bottom = top;
+    for (int i = 1; i < count; ++i)
+    {
+        left = std::min(left, samples[i].x);
+        right = std::max(right, samples[i].x);
+        top = std::min(top, samples[i].y);
+        bottom = std::max(bottom, samples[i].y);
+    }
+    const auto length = [&](float first, float last, std::int32_t size)
+    {
+        const auto limit = static_cast<float>(size);
+        const float covered =
+            std::min(last + creator.outerRadius, limit) - std::max(first - creator.outerRadius, 0.0f);
+        if (covered < 0.0f)
+            return std::int64_t{0};
+        return covered < limit ? trunc_i64(static_cast<double>(covered)) + 1 : std::int64_t{size}; // or no number
+    };
+    return length(left, right, creator.width) * length(top, bottom, creator.height);
+}
+
+// One run of samples, drawn and laid over the destination, as one that sweeps no more than `swept` pixels.
+void draw_piece(LineCreatorClass& creator, aeg* context, StrokePoint* samples, int count, std::int64_t swept)
+{
+    if (creator.sweptPixels > std::max(kMostCanvases * canvas_pixels(creator), kMostSweptPixels))
         return;
+    creator.sweptPixels += swept;
     creator.points = samples;
     creator.pointCount = count;
     // A stroke too thin for a solid core switches the rest of the render to the path without one.
@@ -134,7 +166,8 @@ private:
         const float kept = main_of(slot);
         for (int i = slot; i < end; ++i)
             main_of(i) -= moved;
-        draw_piece(creator_, context_, samples_ + slot, end - slot);
+        draw_piece(creator_, context_, samples_ + slot, end - slot,
+                   box_pixels(creator_, samples_ + slot, end - slot));
         main_of(slot) = kept;
     }
 
@@ -216,7 +249,7 @@ void sp_line::draw(Loom::RandomGenerator32& rng, aeg* context, float width)
     }
     else
     {
-        draw_piece(creator, context, samples, count);
+        draw_piece(creator, context, samples, count, canvas_pixels(creator));
     }
     pool_release(frame->pool, samples);
 }

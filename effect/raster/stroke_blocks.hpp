@@ -47,9 +47,10 @@ public:
         return edges_.find(rows_, tiles_, canvas_.across, memory);
     }
 
-    // paint(tile, row, needed, sure, places, &color) answers which of the needed pixels of eight, with known nearest
-    // places and their colours, are to be written, and changes colours; those that are sure are known to be covered. search(nearest,
-    // tile, row, needed) draws pixels whose nearest places are not known, and answers which it wrote.
+    // paint(tile, row, needed, sure, places, &color) answers which of the needed pixels of eight, with known
+    // nearest places and their colours, are to be written, and changes colours; those that are sure are known to
+    // be covered. search(nearest, tile, row, needed) draws pixels whose nearest places are not known, and answers
+    // which it wrote.
     template <class Paint, class Search>
     void draw(Paint paint, Search search) noexcept
     {
@@ -161,8 +162,7 @@ private:
             const int last = std::min(row + kLanes - 1, rows.last);
             int_lanes lanes[kLanes];
             for (int lane = 0; lane < kLanes; ++lane)
-                lanes[lane] =
-                    load_lanes<int_lanes>(columns_ + lane * column_runs::kStride + (row - rows.first));
+                lanes[lane] = load_lanes<int_lanes>(columns_ + lane * column_runs::kStride + (row - rows.first));
             if (last == row + kLanes - 1 && row >= all_sure_.first && last <= all_sure_.last)
                 write_square(t, row, lanes);
             else

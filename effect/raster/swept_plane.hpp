@@ -76,10 +76,7 @@ public:
 private:
     static std::size_t length(span s) noexcept { return static_cast<std::size_t>(s.last - s.first + 1); }
 
-    std::uint8_t* byte(int at, int row) const noexcept
-    {
-        return bytes_ + std::ptrdiff_t{row} * size_ + at;
-    }
+    std::uint8_t* byte(int at, int row) const noexcept { return bytes_ + std::ptrdiff_t{row} * size_ + at; }
 
     // Calls visit(places) for what lies of `places` in each stretch that has holes.
     template <class Visit>

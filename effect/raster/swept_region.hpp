@@ -33,14 +33,10 @@ struct swept_region
         // The boxes that enter new places first, then the strips beside them: in the order of the walk a strip can
         // come before the box that it lies on.
         const auto nothing = [](auto, auto) {};
-        const auto enter_columns = [&](strip columns, span rows)
-        { add(columns.pixels(size), rows); };
-        const auto enter_rows = [&](strip rows, span columns)
-        { add(rows.pixels(size), columns); };
-        const auto widen_rows = [&](strip rows, span columns)
-        { add(columns, rows.pixels(creator.height)); };
-        const auto widen_columns = [&](strip columns, span rows)
-        { add(rows, columns.pixels(creator.width)); };
+        const auto enter_columns = [&](strip columns, span rows) { add(columns.pixels(size), rows); };
+        const auto enter_rows = [&](strip rows, span columns) { add(rows.pixels(size), columns); };
+        const auto widen_rows = [&](strip rows, span columns) { add(columns, rows.pixels(creator.height)); };
+        const auto widen_columns = [&](strip columns, span rows) { add(rows, columns.pixels(creator.width)); };
         if (along_y)
         {
             walk_swept_boxes(
@@ -82,8 +78,7 @@ private:
             const int i = places.first + std::min(done, count - kLanes);
             const auto low = load_lanes<int_lanes>(first + i);
             const auto high = load_lanes<int_lanes>(last + i);
-            const unsigned holes =
-                lane_bits((high >= low) & ((added.first > high + 1) | (added.last < low - 1)));
+            const unsigned holes = lane_bits((high >= low) & ((added.first > high + 1) | (added.last < low - 1)));
             for (unsigned left = holes; left != 0; left &= left - 1)
                 plane_->note_hole(i + std::countr_zero(left));
             store_lanes(first + i, lower_of(low, all_lanes(added.first)));

@@ -1,5 +1,6 @@
 #pragma once
-// The plain way to draw a stroke, but each pixel is decided the first time alone: writing it again writes the same.
+// The plain way to draw a stroke, but each pixel is decided the first time alone: writing it again writes the
+// same.
 
 #include "effect/raster/line_creator.hpp"
 
