@@ -90,6 +90,8 @@ void add_render(CLI::App& app, command_line& line)
         ->type_name("NAME");
     add_plugin_option(*render, line);
     render->add_flag("--force", request.force, "Overwrite what is there");
+    render->add_flag("--resume", request.resume,
+                     "Of numbered pictures, draw those that are not there; several runs may share the work");
     render->add_flag("--quiet", request.quiet, "Say nothing but errors");
     render->add_flag("--timing", request.timing, "Print milliseconds per frame, effect and host apart (one job)");
     render->footer(render_notes);

@@ -22,6 +22,7 @@ struct render_request
     std::optional<std::string> background;
     std::optional<std::string> codec;
     bool force = false;
+    bool resume = false;
     bool quiet = false;
     bool timing = false;
 };

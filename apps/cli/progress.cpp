@@ -45,8 +45,8 @@ std::string progress::text() const
     std::snprintf(speed, sizeof speed, "%.1f frames/s", rate);
     if (!total_)
         return std::to_string(done_) + " frames, " + speed;
-    const std::string left = clock_text((*total_ - done_) / rate);
-    return std::to_string(done_) + "/" + std::to_string(*total_) + " frames, " + speed + ", " + left + " left";
+    const std::string left = clock_text((to_draw() - done_) / rate);
+    return std::to_string(done_) + "/" + std::to_string(to_draw()) + " frames, " + speed + ", " + left + " left";
 }
 
 void progress::frame_done()
@@ -65,7 +65,7 @@ void progress::frame_done()
     std::string bar;
     if (total_)
     {
-        const auto full = static_cast<std::size_t>(std::int64_t{bar_cells} * done_ / std::max(*total_, 1));
+        const auto full = static_cast<std::size_t>(std::int64_t{bar_cells} * done_ / std::max(to_draw(), 1));
         bar = "[" + std::string(full, '#') + std::string(bar_cells - std::min<std::size_t>(full, bar_cells), '.') +
               "] ";
     }

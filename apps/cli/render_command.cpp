@@ -27,12 +27,14 @@ std::string frames_text(std::int32_t count)
 }
 
 void print_summary(const render_request& request, const render_plan& plan, const media::writer& output,
-                   std::int32_t count, double seconds)
+                   const frames_done& done, double seconds)
 {
     char took[32];
     std::snprintf(took, sizeof took, "%.1f s", seconds);
-    std::cerr << "filigrane: " << request.output << ": " << frames_text(count) << ", " << output.width() << 'x'
-              << output.height() << ", " << rate_text(plan.writing.rate) << " fps, in " << took << '\n';
+    const std::string there = done.found > 0 ? " (" + std::to_string(done.found) + " were there)" : "";
+    std::cerr << "filigrane: " << request.output << ": " << frames_text(done.all()) << there << ", "
+              << output.width() << 'x' << output.height() << ", " << rate_text(plan.writing.rate) << " fps, in "
+              << took << '\n';
 }
 
 void print_timing(const time_spent& spent, std::int32_t count)
@@ -70,23 +72,23 @@ int run_render(const render_request& request, const host::plugin& effect,
         total = plan.range.last - plan.range.first + 1;
     progress shown(total, request.quiet);
     time_spent spent;
-    const std::int32_t count = request.timing ? render_all_timed(plan, effect, output, shown, spent)
-                                              : render_all(plan, effect, output, shown);
+    const frames_done done = request.timing ? render_all_timed(plan, effect, output, shown, spent)
+                                            : render_all(plan, effect, output, shown);
     shown.clear();
     // A stop that comes when every frame is there has nothing left to stop.
-    if (stop_requested() && count != total)
+    if (stop_requested() && done.all() != total)
         return report_stop(
             request, media::format_of(request.output, plan.writing.codec).kind == media::output_kind::sequence,
-            count);
-    if (count == 0)
+            done.drawn);
+    if (done.all() == 0)
         throw media::error(*request.input + ": ends before frame " + std::to_string(plan.range.first));
     output.finish();
-    if (total && count < *total)
-        print_notes({*request.input + " ended after " + frames_text(count)}, request.quiet);
+    if (total && done.all() < *total)
+        print_notes({*request.input + " ended after " + frames_text(done.all())}, request.quiet);
     if (!request.quiet)
-        print_summary(request, plan, output, count, shown.seconds());
-    if (request.timing)
-        print_timing(spent, count);
+        print_summary(request, plan, output, done, shown.seconds());
+    if (request.timing && done.drawn > 0)
+        print_timing(spent, done.drawn);
     return exit_done;
 }
 } // namespace cli

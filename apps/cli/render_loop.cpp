@@ -87,6 +87,16 @@ private:
     std::map<std::int32_t, media::prepared_frame> prepared_; // of frames in flight
 };
 
+// Whether the frame's picture is there already; it is counted then.
+bool found(std::int32_t frame, const media::writer& output, progress& shown, frames_done& done)
+{
+    if (!output.has(frame))
+        return false;
+    ++done.found;
+    shown.frame_found();
+    return true;
+}
+
 class stopwatch
 {
 public:
@@ -104,21 +114,26 @@ private:
 };
 } // namespace
 
-std::int32_t render_all(render_plan& plan, const host::plugin& effect, media::writer& output, progress& shown)
+frames_done render_all(render_plan& plan, const host::plugin& effect, media::writer& output, progress& shown)
 {
     frame_feed feed(plan);
     frame_drain drain(plan, output, shown);
     std::function<bool(std::int32_t, host::image_view)> source;
     if (plan.input)
         source = [&](std::int32_t frame, host::image_view into) { return feed.fill(frame, into); };
-    return host::render_frames(
+    frames_done done;
+    std::function<bool(std::int32_t)> wanted;
+    if (plan.writing.resume)
+        wanted = [&](std::int32_t frame) { return !found(frame, output, shown, done); };
+    done.drawn = host::render_frames(
         effect, plan.comp, plan.values, plan.range, plan.jobs, source,
         [&](std::int32_t frame, host::const_image_view) { drain.take(frame); }, &stop_requested(), {},
-        [&](std::int32_t frame, host::image_view drawn) { drain.prepare(frame, drawn); });
+        [&](std::int32_t frame, host::image_view drawn) { drain.prepare(frame, drawn); }, wanted);
+    return done;
 }
 
-std::int32_t render_all_timed(render_plan& plan, const host::plugin& effect, media::writer& output,
-                              progress& shown, time_spent& spent)
+frames_done render_all_timed(render_plan& plan, const host::plugin& effect, media::writer& output, progress& shown,
+                             time_spent& spent)
 {
     frame_feed feed(plan);
     frame_drain drain(plan, output, shown);
@@ -128,9 +143,11 @@ std::int32_t render_all_timed(render_plan& plan, const host::plugin& effect, med
     media::picture drawn(plan.comp.picture_width(), plan.comp.picture_height());
     const host::image_view target = as_host(drawn.view());
     const host::image_view source = as_host(input.view());
-    std::int32_t count = 0;
+    frames_done done;
     for (std::int32_t frame = plan.range.first; frame <= plan.range.last && !stop_requested(); ++frame)
     {
+        if (found(frame, output, shown, done))
+            continue;
         stopwatch watch;
         if (!feed.fill(frame, source))
             break;
@@ -144,8 +161,8 @@ std::int32_t render_all_timed(render_plan& plan, const host::plugin& effect, med
         drain.prepare(frame, target);
         drain.take(frame);
         spent.output += watch.lap();
-        ++count;
+        ++done.drawn;
     }
-    return count;
+    return done;
 }
 } // namespace cli

@@ -15,9 +15,17 @@ struct time_spent
     double output = 0.0; // laying over the background, encoding
 };
 
-// Answers the number of frames written: fewer than planned where the input ended or a stop was asked for.
-std::int32_t render_all(render_plan& plan, const host::plugin& effect, media::writer& output, progress& shown);
+struct frames_done
+{
+    std::int32_t drawn = 0;
+    std::int32_t found = 0; // that were there already
+
+    std::int32_t all() const { return drawn + found; }
+};
+
+// Answers how many frames are done: fewer than planned where the input ended or a stop was asked for.
+frames_done render_all(render_plan& plan, const host::plugin& effect, media::writer& output, progress& shown);
 // The same with one job, measured.
-std::int32_t render_all_timed(render_plan& plan, const host::plugin& effect, media::writer& output,
-                              progress& shown, time_spent& spent);
+frames_done render_all_timed(render_plan& plan, const host::plugin& effect, media::writer& output, progress& shown,
+                             time_spent& spent);
 } // namespace cli

@@ -134,6 +134,11 @@ void choose_output(const render_request& request, const media::output_format& fo
     // An open end means several, however many.
     writing.count = plan.length_known ? plan.range.last - plan.range.first + 1 : 2;
     writing.overwrite = request.force;
+    writing.resume = request.resume;
+    if (request.resume && format.kind != media::output_kind::sequence)
+        throw usage_error("--resume is for numbered pictures: name the output as in out_%04d.png");
+    if (request.resume && request.force)
+        throw usage_error("--resume keeps what is there and --force replaces it: give one of them");
     if (plan.input && plan.input->info().audio)
     {
         if (format.kind == media::output_kind::clip)

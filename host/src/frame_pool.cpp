@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <cstring>
+#include <deque>
 #include <exception>
 #include <map>
 #include <memory>
@@ -59,13 +60,13 @@ public:
     using source_function = std::function<bool(std::int32_t, image_view)>;
     using sink_function = std::function<void(std::int32_t, const_image_view)>;
     using finish_function = std::function<void(std::int32_t, image_view)>;
+    using wanted_function = std::function<bool(std::int32_t)>;
 
     pool(const plugin& effect, const composition& comp, const param_tracks& values, frame_range range, int jobs,
          const source_function& source, const sink_function& sink, const std::atomic<bool>* stop,
-         const render_options& options, const finish_function& finish)
+         const render_options& options, const finish_function& finish, const wanted_function& wanted)
         : effect_(effect), comp_(comp), values_(values), range_(range), slots_(jobs + 2), source_(source),
-          sink_(sink), finish_(finish), stop_(stop), options_(options), next_in_(range.first),
-          next_out_(range.first)
+          sink_(sink), finish_(finish), wanted_(wanted), stop_(stop), options_(options), next_in_(range.first)
     {
     }
 
@@ -78,16 +79,19 @@ public:
             changed_.wait(hold, [this] { return ended_ || (!fetching_ && slots_ > 0); });
             if (ended_ || next_in_ > range_.last || (stop_ && *stop_))
                 break;
-            const auto frame = static_cast<std::int32_t>(next_in_);
+            const std::int64_t from = next_in_;
             fetching_ = true;
             --slots_;
             hold.unlock();
-            std::unique_ptr<slot> pictures = fetched(frame);
+            const std::int64_t next = next_wanted(from);
+            const auto frame = static_cast<std::int32_t>(next);
+            std::unique_ptr<slot> pictures = next > range_.last ? nullptr : fetched(frame);
             hold.lock();
             fetching_ = false;
             if (!pictures)
                 break;
-            ++next_in_;
+            next_in_ = next + 1;
+            order_.push_back(frame);
             ended_ = ended_ || pictures->failure;
             changed_.notify_all();
 
@@ -110,6 +114,22 @@ public:
     }
 
 private:
+    // The first frame from this one on that is wanted; past the range where none is, or where asking fails.
+    std::int64_t next_wanted(std::int64_t frame)
+    {
+        try
+        {
+            while (wanted_ && frame <= range_.last && !wanted_(static_cast<std::int32_t>(frame)))
+                frame = stop_ && *stop_ ? std::int64_t{range_.last} + 1 : frame + 1;
+            return frame;
+        }
+        catch (...)
+        {
+            fail(std::current_exception());
+            return std::int64_t{range_.last} + 1;
+        }
+    }
+
     // The frame's input in a slot of its own; null where the source has no more.
     std::unique_ptr<slot> fetched(std::int32_t frame)
     {
@@ -173,15 +193,14 @@ private:
         if (delivering_)
             return;
         delivering_ = true;
-        for (auto due = done_.find(next_out_); due != done_.end() && !failure_; due = done_.find(next_out_))
+        while (!order_.empty() && !failure_ && done_.contains(order_.front()))
         {
-            std::unique_ptr<slot> pictures = std::move(due->second);
-            done_.erase(due);
-            const auto frame = static_cast<std::int32_t>(next_out_);
+            const std::int32_t frame = order_.front();
+            std::unique_ptr<slot> pictures = std::move(done_.extract(frame).mapped());
             hold.unlock();
             const std::exception_ptr failure = handed_over(frame, *pictures);
             hold.lock();
-            ++next_out_;
+            order_.pop_front();
             ++slots_;
             spares_.push_back(std::move(pictures));
             if (failure)
@@ -225,17 +244,18 @@ private:
     const source_function& source_;
     const sink_function& sink_;
     const finish_function& finish_;
+    const wanted_function& wanted_;
     const std::atomic<bool>* stop_;
     const render_options& options_;
 
     std::mutex mutex_;
     std::condition_variable changed_;
     std::int64_t next_in_; // 64 bits: one past the last frame must be tellable
-    std::int64_t next_out_;
     bool fetching_ = false;
     bool delivering_ = false;
     bool ended_ = false;
-    std::map<std::int64_t, std::unique_ptr<slot>> done_;
+    std::deque<std::int32_t> order_; // frames fetched and not yet handed over
+    std::map<std::int32_t, std::unique_ptr<slot>> done_;
     std::vector<std::unique_ptr<slot>> spares_;
     std::int32_t delivered_ = 0;
     std::exception_ptr failure_;
@@ -247,7 +267,8 @@ std::int32_t render_frames(const plugin& effect, const composition& comp, const 
                            const std::function<bool(std::int32_t frame, image_view input)>& source,
                            const std::function<void(std::int32_t frame, const_image_view output)>& sink,
                            const std::atomic<bool>* stop, const render_options& options,
-                           const std::function<void(std::int32_t frame, image_view output)>& finish)
+                           const std::function<void(std::int32_t frame, image_view output)>& finish,
+                           const std::function<bool(std::int32_t frame)>& wanted)
 {
     if (jobs < 1)
         throw error(text_line(jobs, " jobs cannot render anything; give 1 or more"));
@@ -257,7 +278,7 @@ std::int32_t render_frames(const plugin& effect, const composition& comp, const 
         return 0;
     const int workers = static_cast<int>(std::min<std::int64_t>(jobs, frames));
 
-    pool work(effect, comp, values, range, workers, source, sink, stop, options, finish);
+    pool work(effect, comp, values, range, workers, source, sink, stop, options, finish, wanted);
     std::vector<std::thread> threads;
     try
     {

@@ -149,6 +149,12 @@ void pending_file::write(const std::uint8_t* bytes, std::size_t size)
         cannot_write(name_, failure);
 }
 
+void pending_file::sync()
+{
+    if (::fsync(descriptor_) != 0)
+        cannot_write(name_, errno);
+}
+
 void pending_file::commit()
 {
     // Once more: the name may have been taken while the file was made.

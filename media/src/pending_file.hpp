@@ -27,6 +27,9 @@ public:
     const std::filesystem::path& hidden() const { return hidden_; }
     // Writes the whole contents, for what is encoded in memory.
     void write(const std::uint8_t* bytes, std::size_t size);
+    // Waits until what was written is on the disk, so that not even a machine that stops leaves less under the
+    // name.
+    void sync();
     void commit();
 
 private:

@@ -8,6 +8,7 @@ namespace media
 {
 struct prepared_frame::content
 {
+    std::int32_t number = 0;
     av::owner<AVPacket> picture; // a whole file
     av::owner<AVFrame> frame;    // a clip's
 };
@@ -18,6 +19,7 @@ struct writer::target
     virtual void prepare(std::int32_t number, const_image_view frame, prepared_frame::content& made) = 0;
     virtual void write(prepared_frame::content& frame) = 0;
     virtual void finish() = 0;
+    virtual bool has(std::int32_t /*number*/) const { return false; }
     std::vector<std::string> notes;
     int width = 0; // of what is written
     int height = 0;

@@ -58,6 +58,7 @@ void writer::write(const_image_view frame)
 prepared_frame writer::prepare(std::int32_t number, const_image_view frame) const
 {
     auto made = std::make_unique<prepared_frame::content>();
+    made->number = number;
     target_->prepare(number, frame, *made);
     return prepared_frame(std::move(made));
 }
@@ -65,7 +66,12 @@ prepared_frame writer::prepare(std::int32_t number, const_image_view frame) cons
 void writer::write(prepared_frame frame)
 {
     target_->write(*frame.content_);
-    ++next_;
+    next_ = frame.content_->number + 1;
+}
+
+bool writer::has(std::int32_t number) const
+{
+    return target_->has(number);
 }
 
 void writer::finish()

@@ -52,6 +52,7 @@ struct plan
     std::function<bool(std::int32_t)> on_source = [](std::int32_t) { return true; };
     std::function<void(std::int32_t)> on_sink = [](std::int32_t) {};
     std::function<void(std::int32_t, host::image_view)> finish = {};
+    std::function<bool(std::int32_t)> wanted = {};
     const std::atomic<bool>* stop = nullptr;
     bool logged = false;
 };
@@ -90,7 +91,7 @@ run carried_out(const plan& how, const scripted::script& render = shift_red)
     try
     {
         result.delivered = host::render_frames(effect, comp, values, how.range, how.jobs, source, sink, how.stop,
-                                               options, how.finish);
+                                               options, how.finish, how.wanted);
     }
     catch (const std::exception& failure)
     {
@@ -230,6 +231,59 @@ TEST(render_frames, throws_what_finish_throws_after_the_frames_before)
         const run result = carried_out(bad_finish);
         EXPECT_EQ(result.error, "no such colour in frame 5");
         EXPECT_EQ(result.sinks, numbers(0, 4));
+    }
+}
+
+TEST(render_frames, leave_out_what_is_not_wanted)
+{
+    const run all = carried_out({{0, 19}, 1});
+    for (const int jobs : {1, 2, 7})
+        for (const int keep : {1, 2, 3, 5, 25}) // the first, the last or both ends are left out, or all
+        {
+            plan some{{0, 19}, jobs};
+            some.wanted = [keep](std::int32_t frame) { return frame % keep == keep - 1; };
+            const run result = carried_out(some);
+            EXPECT_EQ(result.error, "");
+            std::vector<std::int32_t> kept;
+            for (int frame = keep - 1; frame < 20; frame += keep)
+                kept.push_back(frame);
+            EXPECT_EQ(result.sources, kept);
+            ASSERT_EQ(result.sinks, kept);
+            EXPECT_EQ(result.delivered, static_cast<std::int32_t>(kept.size()));
+            for (std::size_t i = 0; i < kept.size(); ++i)
+                EXPECT_EQ(result.pictures[i], all.pictures[static_cast<std::size_t>(kept[i])]) << kept[i];
+        }
+}
+
+TEST(render_frames, stop_asking_what_is_wanted_when_told_to_stop)
+{
+    std::atomic<bool> stop{false};
+    int asked = 0;
+    plan none{{0, 1000}, 3};
+    none.stop = &stop;
+    none.wanted = [&](std::int32_t frame)
+    {
+        stop = frame == 10;
+        ++asked;
+        return false;
+    };
+    const run result = carried_out(none);
+    EXPECT_EQ(result.delivered, 0);
+    EXPECT_EQ(asked, 11);
+}
+
+TEST(render_frames, throw_what_asking_throws)
+{
+    for (const int jobs : {1, 4})
+    {
+        plan failing{{0, 19}, jobs};
+        failing.wanted = [](std::int32_t frame)
+        {
+            if (frame == 5)
+                throw std::runtime_error("nobody knows");
+            return true;
+        };
+        EXPECT_EQ(carried_out(failing).error, "nobody knows");
     }
 }
 

@@ -60,6 +60,9 @@ struct write_options
     std::int32_t count = 1; // frames that will come, at most
     std::optional<clip_codec> codec;
     bool overwrite = false;
+    // Of a sequence: pictures that are there are taken for finished, see has(). One that somebody else finishes
+    // meanwhile is replaced by the same, and every one reaches the disk before it has its name.
+    bool resume = false;
     // A clip whose audio is carried over, as it is, into an output that can hold it. Empty: none.
     std::filesystem::path audio_from;
 };
@@ -92,9 +95,11 @@ public:
     // The next frame. Where the format keeps no transparency the alpha is ignored: lay a background under it
     // first.
     void write(const_image_view frame);
+    // With `resume`: whether the picture of this frame is there, and not empty. Asked anew at every call.
+    bool has(std::int32_t number) const;
     // The same in two steps. The first is most of the work for pictures (their whole encoding) and some for clips
     // (their colours), and any number of threads may do it at once, in any order; `number` is the frame's. The
-    // second takes them in order, like write.
+    // second takes them in order, like write; of a sequence some may be left out.
     prepared_frame prepare(std::int32_t number, const_image_view frame) const;
     void write(prepared_frame frame);
     // Completes the file and gives it its name.
