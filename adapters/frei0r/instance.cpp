@@ -144,7 +144,7 @@ void instance::read_look()
 {
     look_ = host::param_tracks(params_of(effect_));
     const std::string& look = value_of(row_kind::look, 0).text;
-    if (effect_ && !look.empty())
+    if (effect_ && !look.empty() && look != "none")
         try
         {
             host::load_preset(host::find_look(look, effect_->look_folders), effect_->plugin.params(),

@@ -35,6 +35,10 @@ param_row effect_row(row_kind kind, const host::param_info& info)
     row.name = info.label;
     row.explanation = adapter::param_hint(info.label);
     row.index = info.index;
+    row.topic = info.topic;
+    row.animatable = info.animatable;
+    row.percent = info.percent;
+    row.choices = info.choices;
     return row;
 }
 

@@ -23,7 +23,7 @@ namespace frei0r
 {
 enum class row_kind
 {
-    look,      // text: a look's name, or a preset's file; empty for none
+    look,      // text: a look's name, or a preset's file; empty or "none" for none
     rate,      // text: frames a second
     time_unit, // text: what the host's time counts
     number,    // slider, percentage, decimal number or angle of the effect
@@ -48,6 +48,10 @@ struct param_row
     double normal = 0.0; // the default as a share of 1
     std::string text;    // the default of a text
     PF_Pixel color{};    // the default of a colour
+    std::string topic;   // the group that a person finds it in; empty for the adapter's
+    bool animatable = false;
+    bool percent = false; // shown as a percentage: 1 reads 100 %
+    std::vector<std::string> choices;
 
     bool is_text() const;
     int type() const; // F0R_PARAM_...

@@ -187,8 +187,11 @@ TEST_F(instance_test, begins_with_a_look)
     EXPECT_NE(few, look);
     file.set(made, "Rows", 0.04);
     EXPECT_EQ(draw(made, 0.0), look);
-    file.set(made, "Look", "");
-    EXPECT_EQ(draw(made, 0.0), draw(other, 0.0));
+    for (const char* none : {"none", "pencil-grid", ""})
+    {
+        file.set(made, "Look", none);
+        EXPECT_EQ(draw(made, 0.0), *none == 'p' ? look : draw(other, 0.0)) << none;
+    }
 }
 
 TEST_F(instance_test, keys_of_a_look_stand_at_its_rate)
