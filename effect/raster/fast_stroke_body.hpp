@@ -41,11 +41,15 @@ public:
         const bool in_pool = take_arrays(pool_rest);
         if (!in_pool && !take_arrays(mask))
             return false;
-        outer_.sweep(creator_, creator_.outerRadius, plane_);
         if (solid_core)
-            core_.sweep(creator_, creator_.innerRadius, plane_);
+        {
+            swept_region::sweep_both(creator_, outer_, core_, plane_);
+        }
         else
+        {
+            outer_.sweep(creator_, creator_.outerRadius, plane_);
             clear_core();
+        }
         if (plane_.any())
         {
             if (!in_pool || creator_.coveredMask == nullptr)
@@ -75,6 +79,7 @@ public:
 
 private:
     static constexpr int kPanel = row_masks::kColumns;
+    static constexpr int kRowsAhead = 16; // that memory takes to come near
     static constexpr int kTilesOfPanel = kPanel / kLanes;
     static constexpr float kThin = 6.0f; // pixels: up to this reach, searches cost less than following cells
     static_assert(kPanel == swept_plane::kStretch);
@@ -279,7 +284,10 @@ private:
             }
             written |= full;
             if (!filled)
+            {
+                canvas_.expect(p.at, p.count, row + kRowsAhead, p.rows.last);
                 canvas_.fill(p.at, row, full, creator_.points[0].color);
+            }
             for (std::uint64_t left = some & ~full; left != 0;)
             {
                 const int first = std::countr_zero(left) / kLanes * kLanes;

@@ -87,6 +87,15 @@ public:
         }
     }
 
+    // Has the pixels of a row fetched that will be written soon, if it is one up to `last`: what lies below each
+    // other in memory no processor expects.
+    void expect(int main_at, int count, int cross_at, int last) const noexcept
+    {
+        constexpr int kLine = 16; // pixels that come together
+        for (int i = 0; i < count && cross_at <= last; i += kLine)
+            __builtin_prefetch(pixel(main_at + i, cross_at), 1);
+    }
+
     // A run across at one main position, where such runs lie together in memory.
     bool fills_across() const noexcept { return along_y_; }
     void fill_across(int main_at, span rows, PF_Pixel color) const noexcept

@@ -42,10 +42,11 @@ struct strip
     }
 };
 
-// The pixel at a position, truncated toward zero and held to 0 .. size - 1.
+// The pixel at a position, truncated toward zero and held to 0 .. size - 1; 0 for what does not fit an integer.
 inline int clamped(float position, int size) noexcept
 {
-    return std::clamp(trunc_i32(static_cast<double>(position)), 0, size - 1);
+    const float inside = position > 0.0f && position < 2147483648.0f ? position : 0.0f;
+    return trunc_i32_fitting(std::min(inside, static_cast<float>(size - 1)));
 }
 
 inline span box(float center, float radius, int size) noexcept
@@ -62,6 +63,36 @@ inline strip uncovered(float from, float d, float radius, int size) noexcept
     return {first_pixel, d > 0.0f ? 1 : -1, std::abs(last_pixel - first_pixel) + 1};
 }
 
+// Calls columns(from, d, sample) for each sample whose x lies in another pixel than that of the one where it last
+// did: it was `from` there and is from + d now; and rows(from, d, sample) the same way for y. Of a sample that
+// does both, x comes first.
+template <class Columns, class Rows>
+void walk_moves(const LineCreatorClass& creator, Columns columns, Rows rows)
+{
+    float px = creator.points[0].x;
+    float py = creator.points[0].y;
+    std::int32_t column = trunc_i32_select(px);
+    std::int32_t row = trunc_i32_select(py);
+    for (int i = 0; i < creator.pointCount; ++i)
+    {
+        const StrokePoint& p = creator.points[i];
+        const std::int32_t to_column = trunc_i32_select(p.x);
+        const std::int32_t to_row = trunc_i32_select(p.y);
+        if (to_column != column)
+        {
+            columns(px, p.x - px, p);
+            px = p.x;
+            column = to_column;
+        }
+        if (to_row != row)
+        {
+            rows(py, p.y - py, p);
+            py = p.y;
+            row = to_row;
+        }
+    }
+}
+
 // Calls start(columns, rows) for the box of half side `radius` around the first sample; then for each sample in
 // turn columns(strip, rows) and rows(strip, columns) for what is newly uncovered. Boxes lie on the canvas.
 template <class Start, class Columns, class Rows>
@@ -69,21 +100,11 @@ void walk_swept_boxes(const LineCreatorClass& creator, float radius, Start start
 {
     const int width = creator.width;
     const int height = creator.height;
-    float px = creator.points[0].x;
-    float py = creator.points[0].y;
-    start(box(px, radius, width), box(py, radius, height));
-    for (int i = 0; i < creator.pointCount; ++i)
-    {
-        const StrokePoint& p = creator.points[i];
-        if (trunc_i32(static_cast<double>(p.x)) != trunc_i32(static_cast<double>(px)))
-        {
-            columns(uncovered(px, p.x - px, radius, width), box(p.y, radius, height));
-            px = p.x;
-        }
-        if (trunc_i32(static_cast<double>(p.y)) != trunc_i32(static_cast<double>(py)))
-        {
-            rows(uncovered(py, p.y - py, radius, height), box(p.x, radius, width));
-            py = p.y;
-        }
-    }
+    start(box(creator.points[0].x, radius, width), box(creator.points[0].y, radius, height));
+    walk_moves(
+        creator,
+        [&](float from, float d, const StrokePoint& p)
+        { columns(uncovered(from, d, radius, width), box(p.y, radius, height)); },
+        [&](float from, float d, const StrokePoint& p)
+        { rows(uncovered(from, d, radius, height), box(p.x, radius, width)); });
 }

@@ -25,35 +25,80 @@ struct swept_region
     // by strip gives. A run that has, or seems to have, a hole reaches from end to end, and `plane` is told of it.
     void sweep(const LineCreatorClass& creator, float radius, swept_plane& plane) noexcept
     {
-        plane_ = &plane;
-        const bool along_y = creator.axis == 1;
-        const int size = along_y ? creator.height : creator.width;
-        std::fill_n(first, size, kFar);
-        std::fill_n(last, size, -kFar);
-        // The boxes that enter new places first, then the strips beside them: in the order of the walk a strip can
-        // come before the box that it lies on.
-        const auto nothing = [](auto, auto) {};
-        const auto enter_columns = [&](strip columns, span rows) { add(columns.pixels(size), rows); };
-        const auto enter_rows = [&](strip rows, span columns) { add(rows.pixels(size), columns); };
-        const auto widen_rows = [&](strip rows, span columns) { add(columns, rows.pixels(creator.height)); };
-        const auto widen_columns = [&](strip columns, span rows) { add(rows, columns.pixels(creator.width)); };
-        if (along_y)
-        {
-            walk_swept_boxes(
-                creator, radius, [&](span columns, span rows) { add(rows, columns); }, nothing, enter_rows);
-            walk_swept_boxes(creator, radius, nothing, widen_columns, nothing);
-        }
-        else
-        {
-            walk_swept_boxes(
-                creator, radius, [&](span columns, span rows) { add(columns, rows); }, enter_columns, nothing);
-            walk_swept_boxes(creator, radius, nothing, nothing, widen_rows);
-        }
+        sweep_all(creator, plane, sized_region{this, radius});
+    }
+
+    // The same of two regions at once.
+    static void sweep_both(const LineCreatorClass& creator, swept_region& outer, swept_region& core,
+                           swept_plane& plane) noexcept
+    {
+        sweep_all(creator, plane, sized_region{&outer, creator.outerRadius},
+                  sized_region{&core, creator.innerRadius});
     }
 
 private:
+    struct sized_region
+    {
+        swept_region* region;
+        float radius;
+    };
+
     // An empty run meets any other: its ends are as far apart as can be, the wrong way round.
     static constexpr std::int32_t kFar = std::numeric_limits<std::int32_t>::max() / 2;
+
+    template <class... More>
+    static void sweep_all(const LineCreatorClass& creator, swept_plane& plane, sized_region first,
+                          More... more) noexcept
+    {
+        const bool along_y = creator.axis == 1;
+        const int size = along_y ? creator.height : creator.width;
+        const int across = along_y ? creator.width : creator.height;
+        const auto main_of = [along_y](const StrokePoint& p) { return along_y ? p.y : p.x; };
+        const auto cross_of = [along_y](const StrokePoint& p) { return along_y ? p.x : p.y; };
+        const auto each = [&](auto visit)
+        {
+            visit(first);
+            (visit(more), ...);
+        };
+        each(
+            [&](sized_region s)
+            {
+                s.region->plane_ = &plane;
+                std::fill_n(s.region->first, size, kFar);
+                std::fill_n(s.region->last, size, -kFar);
+                const StrokePoint& p = creator.points[0];
+                s.region->add(box(main_of(p), s.radius, size), box(cross_of(p), s.radius, across));
+            });
+        // The boxes that enter new places first, then the strips beside them: in the order of the walk a strip can
+        // come before the box that it lies on.
+        const auto enter = [&](float from, float d, const StrokePoint& p)
+        {
+            each(
+                [&](sized_region s) {
+                    s.region->add(uncovered(from, d, s.radius, size).pixels(size),
+                                  box(cross_of(p), s.radius, across));
+                });
+        };
+        const auto widen = [&](float from, float d, const StrokePoint& p)
+        {
+            each(
+                [&](sized_region s) {
+                    s.region->add(box(main_of(p), s.radius, size),
+                                  uncovered(from, d, s.radius, across).pixels(across));
+                });
+        };
+        const auto nothing = [](float, float, const StrokePoint&) {};
+        if (along_y)
+        {
+            walk_moves(creator, nothing, enter);
+            walk_moves(creator, widen, nothing);
+        }
+        else
+        {
+            walk_moves(creator, enter, nothing);
+            walk_moves(creator, nothing, widen);
+        }
+    }
 
     // Adds `added` to the runs at `places`.
     void add(span places, span added) noexcept
