@@ -25,6 +25,13 @@ foreach(adapter frei0r_filter frei0r_generator)
         add_dependencies(installed ${adapter})
     endif()
 endforeach()
+if(TARGET frei0r_filter)
+    # What editors show of its parameters. Flowblade has one file for all filters: ours is for a person to copy from.
+    set(editors adapters/frei0r/editors)
+    install(DIRECTORY ${editors}/kdenlive/ DESTINATION share/kdenlive)
+    install(DIRECTORY ${editors}/shotcut/ DESTINATION share/shotcut/qml/filters)
+    install(DIRECTORY ${editors}/flowblade DESTINATION share/filigrane)
+endif()
 if(TARGET filigrane_ofx)
     # A bundle is used from wherever it lies: it has the effect and the looks inside.
     get_target_property(ofx_folder filigrane_ofx LIBRARY_OUTPUT_DIRECTORY)
