@@ -71,7 +71,7 @@ std::string text_of(const param_row& row, const description_input& from)
     case row_kind::choice:
         return choice(row);
     case row_kind::color:
-        return property(row, "editor=color exptype=color", color_text(row));
+        return property(row, "editor=color_select exptype=color", color_text(row));
     default:
         return number(row);
     }
