@@ -114,6 +114,15 @@ TEST_F(frei0r_hosts, ffmpeg_may_forget_the_time)
     expect_same(frames("out.mov"), "reference.mov");
 }
 
+// Two frames later: only the time can tell.
+TEST_F(frei0r_hosts, ffmpeg_keeps_the_time_of_a_copy)
+{
+    run("ffmpeg -f lavfi -i color=black@0:size=1280x360:rate=25,format=rgba -frames:v 4 -vf trim=start_frame=2,"
+        "crop=640:360,copy,frei0r=filigrane:neon-ripples,setpts=PTS-STARTPTS -c:v qtrle -pix_fmt argb out.mov");
+    run("filigrane render -o reference.mov --codec animation --size 640x360 --frames 2-5 --preset neon-ripples");
+    expect_same(frames("out.mov"), "reference.mov");
+}
+
 TEST_F(frei0r_hosts, melt_draws_over_a_clip)
 {
     make_reference();
