@@ -14,14 +14,15 @@ constexpr const char* contexts[] = {kOfxImageEffectContextFilter, kOfxImageEffec
 constexpr const char* depths[] = {kOfxBitDepthByte, kOfxBitDepthShort, kOfxBitDepthFloat};
 constexpr const char* components[] = {kOfxImageComponentRGBA, kOfxImageComponentRGB};
 
+// False where the host takes none of them; one that it does not know is left out.
 template <std::size_t N>
-bool set_all(const property_set& properties, const char* name, const char* const (&values)[N])
+bool set_any(const property_set& properties, const char* name, const char* const (&values)[N])
 {
-    int index = 0;
+    int taken = 0;
     for (const char* value : values)
-        if (!properties.set(name, value, index++))
-            return false;
-    return true;
+        if (properties.set(name, value, taken))
+            ++taken;
+    return taken > 0;
 }
 
 bool define_clip(OfxImageEffectHandle effect, const char* name, bool optional)
@@ -36,7 +37,7 @@ bool define_clip(OfxImageEffectHandle effect, const char* name, bool optional)
     clip.set(kOfxImageEffectPropSupportsTiles, 0);
     // A field is drawn as every other row of the whole frame, so its own rows are all that is wanted.
     clip.set(kOfxImageClipPropFieldExtraction, kOfxImageFieldSingle);
-    return set_all(clip, kOfxImageEffectPropSupportedComponents, components);
+    return set_any(clip, kOfxImageEffectPropSupportedComponents, components);
 }
 } // namespace
 
@@ -71,8 +72,8 @@ OfxStatus describe(const library& lib, OfxImageEffectHandle effect)
     properties.set(kOfxImageEffectPropSupportsMultipleClipDepths, 0);
     properties.set(kOfxImageEffectPropSupportsMultipleClipPARs, 0);
 
-    const bool usable = set_all(properties, kOfxImageEffectPropSupportedContexts, contexts) &&
-                        set_all(properties, kOfxImageEffectPropSupportedPixelDepths, depths);
+    const bool usable = set_any(properties, kOfxImageEffectPropSupportedContexts, contexts) &&
+                        set_any(properties, kOfxImageEffectPropSupportedPixelDepths, depths);
     return usable ? kOfxStatOK : kOfxStatFailed;
 }
 

@@ -66,6 +66,7 @@ void set_choices(const property_set& param, const std::vector<const char*>& choi
 std::vector<const char*> texts_of(const std::vector<std::string>& choices)
 {
     std::vector<const char*> texts;
+    texts.reserve(choices.size());
     for (const std::string& choice : choices)
         texts.push_back(choice.c_str());
     return texts;

@@ -31,6 +31,7 @@ std::vector<look> looks_in(const std::vector<std::filesystem::path>& folders)
                 by_name.try_emplace(entry.path().stem().string(), entry.path());
     }
     std::vector<look> looks;
+    looks.reserve(by_name.size());
     for (const auto& [name, file] : by_name)
         looks.push_back({look_label(name), file});
     return looks;

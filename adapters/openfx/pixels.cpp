@@ -51,15 +51,10 @@ struct floats
 {
     using channel = float;
 
-    static std::uint8_t in(channel v)
-    {
-        if (!(v > 0.0f))
-            return 0;
-        return static_cast<std::uint8_t>(std::min(v, 1.0f) * 255.0f + 0.5f);
-    }
+    static std::uint8_t in(channel v) { return nearest(static_cast<double>(v)); }
     static std::uint8_t divided(channel v, channel alpha)
     {
-        return alpha > 0.0f ? in(v / alpha) : std::uint8_t{0};
+        return alpha > 0.0f ? nearest(static_cast<double>(v) / static_cast<double>(alpha)) : std::uint8_t{0};
     }
     static channel out(std::uint8_t v) { return static_cast<float>(v) / 255.0f; }
     static channel multiplied(std::uint8_t v, std::uint8_t alpha)
@@ -67,6 +62,15 @@ struct floats
         return static_cast<float>(static_cast<unsigned>(v) * alpha) / 65025.0f;
     }
     static constexpr channel white = 1.0f;
+
+private:
+    // To nearest, halves upwards; the product is exact.
+    static std::uint8_t nearest(double v)
+    {
+        if (!(v > 0.0))
+            return 0;
+        return static_cast<std::uint8_t>((static_cast<unsigned>(std::min(v, 1.0) * 510.0) + 1u) / 2u);
+    }
 };
 
 template <class Depth>

@@ -213,6 +213,54 @@ TEST(openfx_render, takes_every_depth_and_kind_of_alpha)
             }
 }
 
+// Shown as they are, by a shift of nothing.
+TEST(openfx_render, rounds_deep_values_to_the_nearest_of_eight_bits)
+{
+    const auto through = [](const image_manner& manner, const std::vector<float>& floats)
+    {
+        const int count = static_cast<int>(floats.size());
+        session s;
+        s.param("useDisplacement").value[0] = 1;
+        s.param("amountOfDisplacement").value[0] = 0;
+        auto source = std::make_shared<host_image>(count, 1, manner);
+        for (int i = 0; i < count; ++i)
+            for (int c = 0; c < 3; ++c)
+                source->put(i, 0, c, floats[static_cast<std::size_t>(i)]);
+        strict::connect(
+            *s.instance, "Source", [source](double) { return source; }, manner);
+        const auto drawn = s.draw(count, 1, manner);
+        std::vector<double> bytes;
+        for (int i = 0; i < count; ++i)
+            bytes.push_back(drawn->stored(i, 0, 1));
+        return bytes;
+    };
+    image_manner manner;
+    manner.components = "OfxImageComponentRGB";
+    manner.depth = "OfxBitDepthFloat";
+    std::vector<float> floats = {-1.0f, -0.0f, NAN, INFINITY, -INFINITY, 7.0f, 1e-30f, 0.0019607841f};
+    std::vector<double> expected = {0, 0, 0, 255, 0, 255, 0, 0};
+    for (int k = 0; k < 255; ++k)
+    {
+        const auto half = static_cast<float>((k + 0.5) / 255.0);
+        for (const float v : {std::nextafter(half, 0.0f), half, std::nextafter(half, 1.0f)})
+        {
+            floats.push_back(v);
+            expected.push_back(std::floor(static_cast<double>(v) * 255.0 + 0.5));
+        }
+    }
+    std::vector<double> drawn = through(manner, floats);
+    for (std::size_t i = 0; i < floats.size(); ++i)
+        EXPECT_FLOAT_EQ(static_cast<float>(drawn[i]), static_cast<float>(expected[i] / 255.0)) << floats[i];
+
+    manner.depth = "OfxBitDepthShort";
+    std::vector<float> words;
+    for (int v = 0; v < 65536; v += 127)
+        words.push_back(static_cast<float>(v));
+    drawn = through(manner, words);
+    for (std::size_t i = 0; i < words.size(); ++i)
+        EXPECT_EQ(drawn[i], std::round(static_cast<double>(words[i]) / 257.0) * 257.0) << words[i];
+}
+
 TEST(openfx_render, looks_at_the_image_not_at_the_clip)
 {
     const plain_picture source = sample_picture(20, 20);

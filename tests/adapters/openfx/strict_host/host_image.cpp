@@ -90,6 +90,18 @@ double host_image::stored(int x, int from_top, int channel) const
     return v;
 }
 
+void host_image::put(int x, int from_top, int channel, float as_stored)
+{
+    std::byte* at = row(from_top) + (x * channels() + channel) * channel_bytes();
+    const auto word = static_cast<std::uint16_t>(manner_.depth == "OfxBitDepthFloat" ? 0.0f : as_stored);
+    if (manner_.depth == "OfxBitDepthFloat")
+        std::memcpy(at, &as_stored, sizeof as_stored);
+    else if (manner_.depth == "OfxBitDepthByte")
+        *at = static_cast<std::byte>(word);
+    else
+        std::memcpy(at, &word, sizeof word);
+}
+
 void host_image::fill(const plain_picture& picture)
 {
     const bool multiplied = manner_.premultiplication == "OfxImageAlphaPremultiplied";

@@ -72,6 +72,7 @@ public:
     plain_picture read() const;
     // One channel as stored, 0 to 255, 0 to 65535, or the float.
     double stored(int x, int from_top, int channel) const;
+    void put(int x, int from_top, int channel, float as_stored);
 
     // Junk everywhere, also between rows; guards_hold tells whether what is no pixel is still that.
     void spoil();
