@@ -56,7 +56,7 @@ int layer_side(int seen, double full, const PF_RationalScale& ratio)
     const std::int64_t told = full > 0.0 ? std::llround(full) : 0;
     if (told > 0 && reduced(told, ratio) == seen)
         return static_cast<int>(told);
-    return static_cast<int>(std::int64_t{seen} * ratio.den / ratio.num);
+    return static_cast<int>(std::min(std::int64_t{seen} * ratio.den / ratio.num, std::int64_t{INT_MAX}));
 }
 
 // Floor of y / 2, below 0 too.

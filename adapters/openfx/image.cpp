@@ -113,7 +113,7 @@ std::optional<image> fetched_image::describe() const
         described.defined.reset();
     described.lines = field_of(properties.text(kOfxImagePropField, kOfxImageFieldNone));
     described.pixel_aspect = properties.number(kOfxImagePropPixelAspectRatio, 1.0);
-    if (!(described.pixel_aspect > 0.0))
+    if (!(described.pixel_aspect >= 0.01 && described.pixel_aspect <= 100.0))
         described.pixel_aspect = 1.0;
     return described;
 }

@@ -73,14 +73,13 @@ private:
     }
 };
 
-template <class Depth>
+template <class Depth, int Components>
 void read_row(const pixel_format& format, const std::byte* from, std::uint8_t* argb, int count)
 {
-    const auto components = static_cast<std::size_t>(format.components);
+    constexpr std::size_t step = Components * sizeof(typename Depth::channel);
     const int red = format.blue_first ? 2 : 0;
-    const bool alpha_counts = components == 4 && format.alpha != alpha_kind::opaque;
+    const bool alpha_counts = Components == 4 && format.alpha != alpha_kind::opaque;
     const bool divide = alpha_counts && format.alpha == alpha_kind::premultiplied;
-    const std::size_t step = components * sizeof(typename Depth::channel);
     for (int x = 0; x < count; ++x, from += step, argb += 4)
     {
         typename Depth::channel c[4] = {{}, {}, {}, Depth::white};
@@ -93,14 +92,13 @@ void read_row(const pixel_format& format, const std::byte* from, std::uint8_t* a
     }
 }
 
-template <class Depth>
+template <class Depth, int Components>
 void write_row(const pixel_format& format, const std::uint8_t* argb, std::byte* to, int count)
 {
-    const auto components = static_cast<std::size_t>(format.components);
+    constexpr std::size_t step = Components * sizeof(typename Depth::channel);
     const int red = format.blue_first ? 2 : 0;
-    const bool opaque = components == 3 || format.alpha == alpha_kind::opaque;
+    const bool opaque = Components == 3 || format.alpha == alpha_kind::opaque;
     const bool multiply = opaque || format.alpha == alpha_kind::premultiplied;
-    const std::size_t step = components * sizeof(typename Depth::channel);
     for (int x = 0; x < count; ++x, argb += 4, to += step)
     {
         const auto colour = [&](int i)
@@ -113,6 +111,21 @@ void write_row(const pixel_format& format, const std::uint8_t* argb, std::byte* 
         std::memcpy(to, c, step);
     }
 }
+
+using reader = void (*)(const pixel_format&, const std::byte*, std::uint8_t*, int);
+using writer = void (*)(const pixel_format&, const std::uint8_t*, std::byte*, int);
+
+template <class Depth>
+reader reader_of(const pixel_format& format)
+{
+    return format.components == 4 ? read_row<Depth, 4> : read_row<Depth, 3>;
+}
+
+template <class Depth>
+writer writer_of(const pixel_format& format)
+{
+    return format.components == 4 ? write_row<Depth, 4> : write_row<Depth, 3>;
+}
 } // namespace
 
 void read_pixels(const pixel_format& format, const std::byte* from, std::uint8_t* argb, int count)
@@ -120,11 +133,11 @@ void read_pixels(const pixel_format& format, const std::byte* from, std::uint8_t
     switch (format.each)
     {
     case depth::byte:
-        return read_row<bytes>(format, from, argb, count);
+        return reader_of<bytes>(format)(format, from, argb, count);
     case depth::word:
-        return read_row<words>(format, from, argb, count);
+        return reader_of<words>(format)(format, from, argb, count);
     case depth::single:
-        return read_row<floats>(format, from, argb, count);
+        return reader_of<floats>(format)(format, from, argb, count);
     }
 }
 
@@ -133,11 +146,11 @@ void write_pixels(const pixel_format& format, const std::uint8_t* argb, std::byt
     switch (format.each)
     {
     case depth::byte:
-        return write_row<bytes>(format, argb, to, count);
+        return writer_of<bytes>(format)(format, argb, to, count);
     case depth::word:
-        return write_row<words>(format, argb, to, count);
+        return writer_of<words>(format)(format, argb, to, count);
     case depth::single:
-        return write_row<floats>(format, argb, to, count);
+        return writer_of<floats>(format)(format, argb, to, count);
     }
 }
 } // namespace openfx

@@ -9,11 +9,14 @@
 #include "adapters/openfx/properties.hpp"
 #include "adapters/openfx/values.hpp"
 
+#include "host/error.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <string>
 
 namespace openfx
 {
@@ -44,8 +47,18 @@ private:
     OfxImageEffectHandle effect_;
 };
 
+// Refused before memory is asked for: the host library would refuse it, too.
+void check_size(const host::composition& comp)
+{
+    constexpr int most = 30000;
+    if (comp.width > most || comp.height > most)
+        throw host::error("a frame of " + std::to_string(comp.width) + " by " + std::to_string(comp.height) +
+                          " pixels cannot be drawn; " + std::to_string(most) + " each way is the most");
+}
+
 picture blank(const placement& where)
 {
+    check_size(where.comp);
     picture made{where.comp.picture_width(), where.comp.picture_height(), nullptr};
     made.argb = std::make_unique<std::uint8_t[]>(static_cast<std::size_t>(made.width) *
                                                  static_cast<std::size_t>(made.height) * 4);

@@ -2,6 +2,10 @@
 
 #include "tests/adapters/openfx/ofx_session.hpp"
 
+#include "tests/support/bit_generator.hpp"
+
+#include <climits>
+#include <cmath>
 #include <cstring>
 
 namespace
@@ -229,6 +233,53 @@ TEST(openfx_hosts, may_have_one_handle_for_descriptor_and_instance)
         EXPECT_EQ(difference(reference(composition(20, 16), defaults(), frame), image->read()), "");
         EXPECT_EQ(s.host.act(s.plugin, "OfxActionDestroyInstance", effect.get()), kOfxStatOK);
         strict::host::forget(*effect);
+    }
+}
+
+// Nonsense in every number that a host tells of its pictures: refused or drawn, but nothing outside them is
+// touched.
+TEST(openfx_hosts, may_tell_any_numbers)
+{
+    bit_generator dice{5};
+    const double numbers[] = {0.0, -1.0, 0.5, 1.0, 3.0, 1e9, -1e300, 1e-300, INFINITY, NAN, 40.0, 2147483647.0};
+    const auto number = [&] { return numbers[dice.below(static_cast<int>(std::size(numbers)))]; };
+    const int wholes[] = {INT_MIN, INT_MAX, -1, 0, 1, 7, 20, 40, 1 << 20, -(1 << 29)};
+    const auto whole = [&] { return wholes[dice.below(static_cast<int>(std::size(wholes)))]; };
+    const char* fields[] = {"OfxFieldNone", "OfxFieldBoth", "OfxFieldLower", "OfxFieldUpper", "nonsense"};
+    session s;
+    s.param("compositeOnOriginal").value[0] = 1;
+    for (int round = 0; round < 600; ++round)
+    {
+        image_manner manner;
+        manner.field = fields[dice.below(5)];
+        manner.pixel_aspect = dice.below(3) == 0 ? number() : 1.0;
+        manner.left = dice.below(41) - 20;
+        manner.bottom = dice.below(41) - 20;
+        manner.top_down = dice.below(2) == 0;
+        manner.padding = dice.below(9);
+        s.show(sample_picture(1 + dice.below(30), 1 + dice.below(30)), manner);
+        s.instance->props.put("OfxImageEffectPropProjectSize", {number(), number()});
+        auto image = std::make_shared<host_image>(1 + dice.below(30), 1 + dice.below(30), manner);
+        if (dice.below(2) == 0)
+            image->defined = {whole(), whole(), whole(), whole()};
+        strict::connect(
+            *s.instance, "Output", [image](double) { return image; }, manner);
+        for (const char* clip : {"Source", "Output"})
+            if (dice.below(2) == 0)
+                s.instance->clips.at(clip)->defined = OfxRectD{number(), number(), number(), number()};
+        strict::render_call what = {.time = number(),
+                                    .window = image->bounds(),
+                                    .scale_x = number(),
+                                    .scale_y = number(),
+                                    .field = fields[dice.below(5)]};
+        if (dice.below(3) == 0)
+            what.window = {whole(), whole(), whole(), whole()};
+        // Growth and ripples of a frame in billions are another test's matter.
+        if (std::abs(what.time) > 1e6)
+            what.time = 2.0;
+        const OfxStatus answer = s.host.render(s.plugin, *s.instance, what);
+        EXPECT_TRUE(answer == kOfxStatOK || answer == kOfxStatFailed || answer == kOfxStatErrMemory) << answer;
+        ASSERT_EQ(s.host.complaints(), std::vector<std::string>()) << "round " << round;
     }
 }
 
