@@ -8,6 +8,16 @@ namespace
 {
 using namespace ofx;
 
+// Of this process; an empty value counts as none.
+void set_variable(const char* name, const char* value)
+{
+#ifdef _WIN32
+    _putenv_s(name, value);
+#else
+    setenv(name, value, 1);
+#endif
+}
+
 TEST(openfx_life, goes_through_load_and_unload_any_number_of_times)
 {
     strict::host host;
@@ -82,9 +92,9 @@ TEST(openfx_life, fails_to_load_without_the_effects_file_and_tries_anew)
 {
     strict::host host;
     const strict::binary library(FILIGRANE_OFX_FILE);
-    setenv("FILIGRANE_PLUGIN", "/nowhere/Filigrane.so", 1);
+    set_variable("FILIGRANE_PLUGIN", "/nowhere/Filigrane.so");
     EXPECT_EQ(host.load(*library.plugin(0)), kOfxStatFailed);
-    unsetenv("FILIGRANE_PLUGIN");
+    set_variable("FILIGRANE_PLUGIN", "");
     EXPECT_EQ(host.load(*library.plugin(0)), kOfxStatOK);
     EXPECT_EQ(host.complaints(), std::vector<std::string>());
 }

@@ -1,6 +1,5 @@
 #include "tests/adapters/openfx/strict_host/strict_host.hpp"
 
-#include <dlfcn.h>
 #include <stdexcept>
 
 namespace strict
@@ -98,19 +97,12 @@ void copy_params(const OfxParamSetStruct& from, OfxParamSetStruct& to)
 }
 } // namespace
 
-binary::binary(const std::filesystem::path& file) : library_(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL))
+binary::binary(const std::filesystem::path& file) : library_(file)
 {
-    if (!library_)
-        throw std::runtime_error(dlerror());
-    count_ = reinterpret_cast<int (*)()>(dlsym(library_, "OfxGetNumberOfPlugins"));
-    get_ = reinterpret_cast<OfxPlugin* (*)(int)>(dlsym(library_, "OfxGetPlugin"));
+    count_ = reinterpret_cast<int (*)()>(library_.symbol("OfxGetNumberOfPlugins"));
+    get_ = reinterpret_cast<OfxPlugin* (*)(int)>(library_.symbol("OfxGetPlugin"));
     if (!count_ || !get_)
         throw std::runtime_error("a required function is not exported");
-}
-
-binary::~binary()
-{
-    dlclose(library_);
 }
 
 int binary::plugins() const

@@ -2,6 +2,7 @@
 // A host that takes the API at its word: every handle, property, type and index is checked, what is lent is spoilt
 // once it is given back, and whatever is done wrong is written down. One at a time.
 
+#include "host/src/shared_object.hpp"
 #include "tests/adapters/openfx/strict_host/objects.hpp"
 #include "tests/adapters/openfx/strict_host/watch.hpp"
 
@@ -17,15 +18,12 @@ class binary
 {
 public:
     explicit binary(const std::filesystem::path& file);
-    ~binary();
-    binary(const binary&) = delete;
-    binary& operator=(const binary&) = delete;
 
     int plugins() const;
     OfxPlugin* plugin(int nth) const;
 
 private:
-    void* library_;
+    ::host::shared_object library_;
     int (*count_)();
     OfxPlugin* (*get_)(int);
 };
