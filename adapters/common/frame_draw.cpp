@@ -1,5 +1,6 @@
 #include "adapters/common/frame_draw.hpp"
 
+#include <bit>
 #include <cstring>
 #include <memory>
 
@@ -27,23 +28,44 @@ argb_rows rows_for(rgba_target target, int width, int height)
     return rows;
 }
 
-// Both may be the same row: each pixel is read before it is written.
+// Four bytes in memory, the last moved to the front (1) or the first to the end (-1).
+template <int Places>
+std::uint32_t moved(std::uint32_t pixel)
+{
+    return std::rotl(pixel, std::endian::native == std::endian::little ? 8 * Places : -8 * Places);
+}
+
+// A row of pixels with their bytes moved. Both may be the same row: pixels are read before they are written. Whole
+// blocks are loops of a fixed length, which compilers turn into vectors.
+template <int Places>
+void move_bytes(const std::uint8_t* from, std::uint8_t* to, int width)
+{
+    constexpr int lanes = 8;
+    std::uint32_t block[lanes];
+    int x = 0;
+    for (; x + lanes <= width; x += lanes, from += sizeof block, to += sizeof block)
+    {
+        std::memcpy(block, from, sizeof block);
+        for (std::uint32_t& pixel : block)
+            pixel = moved<Places>(pixel);
+        std::memcpy(to, block, sizeof block);
+    }
+    for (; x < width; ++x, from += 4, to += 4)
+    {
+        std::memcpy(block, from, 4);
+        block[0] = moved<Places>(block[0]);
+        std::memcpy(to, block, 4);
+    }
+}
+
 void argb_of_rgba(const std::uint8_t* from, std::uint8_t* to, int width)
 {
-    for (int x = 0; x < width; ++x, from += 4, to += 4)
-    {
-        const std::uint8_t pixel[4] = {from[3], from[0], from[1], from[2]};
-        std::memcpy(to, pixel, 4);
-    }
+    move_bytes<1>(from, to, width);
 }
 
 void rgba_of_argb(const std::uint8_t* from, std::uint8_t* to, int width)
 {
-    for (int x = 0; x < width; ++x, from += 4, to += 4)
-    {
-        const std::uint8_t pixel[4] = {from[1], from[2], from[3], from[0]};
-        std::memcpy(to, pixel, 4);
-    }
+    move_bytes<-1>(from, to, width);
 }
 } // namespace
 

@@ -38,7 +38,7 @@ bool is_folder(const std::filesystem::path& path)
 
 std::filesystem::path plugin_file()
 {
-    if (const std::filesystem::path named = from_environment("FILIGRANE_PLUGIN"); !named.empty())
+    if (std::filesystem::path named = from_environment("FILIGRANE_PLUGIN"); !named.empty())
     {
         if (!is_file(named))
             throw host::error("FILIGRANE_PLUGIN names " + named.string() + ", and there is no such file");

@@ -69,6 +69,6 @@ const std::vector<param_row>& table()
 
 void complain(std::string_view what) noexcept
 {
-    std::fprintf(stderr, "filigrane: %.*s\n", static_cast<int>(what.size()), what.data());
+    (void)std::fprintf(stderr, "filigrane: %.*s\n", static_cast<int>(what.size()), what.data());
 }
 } // namespace frei0r

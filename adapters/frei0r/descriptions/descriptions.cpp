@@ -2,6 +2,11 @@
 
 namespace frei0r
 {
+std::vector<std::string> common_rates()
+{
+    return {"25", "24000/1001", "24", "30000/1001", "30", "48", "50", "60000/1001", "60"};
+}
+
 std::vector<described_file> all_descriptions(const description_input& from)
 {
     const std::string editors = "adapters/frei0r/editors/";

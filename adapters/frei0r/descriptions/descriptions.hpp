@@ -24,6 +24,9 @@ std::string flowblade_xml(const description_input& from);
 // docs/frei0r-parameters.md: every parameter, and what 0 and 1 stand for.
 std::string mapping_text(const description_input& from);
 
+// Frame rates that a list offers, the default first.
+std::vector<std::string> common_rates();
+
 struct described_file
 {
     std::string name; // below the repository

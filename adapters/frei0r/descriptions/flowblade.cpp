@@ -44,6 +44,15 @@ std::string look(const param_row& row, const std::vector<std::string>& looks)
     return property(row, options(names, names), "none");
 }
 
+// What begins as a whole number stays one in Flowblade: rates are fractions.
+std::string rate(const param_row& row)
+{
+    std::vector<std::string> fractions = common_rates();
+    for (std::string& fraction : fractions)
+        fraction += fraction.find('/') == std::string::npos ? "/1" : "";
+    return property(row, options(common_rates(), fractions), row.text + "/1");
+}
+
 std::string number(const param_row& row)
 {
     const shown_param shown = as_shown(row);
@@ -64,6 +73,7 @@ std::string text_of(const param_row& row, const description_input& from)
     case row_kind::look:
         return look(row, from.looks);
     case row_kind::rate:
+        return rate(row);
     case row_kind::time_unit:
         return "";
     case row_kind::toggle:

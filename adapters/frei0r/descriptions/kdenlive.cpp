@@ -5,8 +5,6 @@ namespace frei0r
 {
 namespace
 {
-constexpr const char* rates[] = {"25", "24000/1001", "24", "30000/1001", "30", "48", "50", "60000/1001", "60"};
-
 std::string parameter(const param_row& row, const std::string& attributes, const std::string& inside = "",
                       const std::string& remark = "")
 {
@@ -22,40 +20,33 @@ std::string list(const std::string& standard, const std::string& values, const s
                      "        <paramlistdisplay>" + shown + "</paramlistdisplay>\n");
 }
 
-std::string look_list(const param_row& row, const std::vector<std::string>& looks)
+std::string joined(const std::vector<std::string>& words, char between)
 {
-    std::string values = "none";
-    std::string shown = "None";
-    for (const std::string& look : looks)
-    {
-        values += ";" + look;
-        shown += "," + look;
-    }
-    return list("none", values, shown, row);
+    std::string text;
+    for (const std::string& word : words)
+        text += (text.empty() ? "" : std::string(1, between)) + word;
+    return text;
 }
 
-std::string rate_list(const param_row& row)
+// Texts that stand for themselves.
+std::string text_list(const param_row& row, const std::string& standard, const std::vector<std::string>& texts)
 {
-    std::string values;
-    std::string shown;
-    for (const char* rate : rates)
-    {
-        values += (values.empty() ? "" : ";") + std::string(rate);
-        shown += (shown.empty() ? "" : ",") + std::string(rate);
-    }
-    return list(row.text, values, shown, row);
+    return list(standard, joined(texts, ';'), joined(texts, ','), row);
+}
+
+std::string look_list(const param_row& row, const std::vector<std::string>& looks)
+{
+    std::vector<std::string> names = {"none"};
+    names.insert(names.end(), looks.begin(), looks.end());
+    return text_list(row, "none", names);
 }
 
 std::string choice_list(const param_row& row)
 {
-    std::string values;
-    std::string shown;
+    std::vector<std::string> shares;
     for (std::size_t k = 0; k < row.choices.size(); ++k)
-    {
-        values += (k > 0 ? ";" : "") + choice_share(k, row.choices.size());
-        shown += (k > 0 ? "," : "") + xml_text(row.choices[k]);
-    }
-    return list(decimal(row.normal), values, shown, row);
+        shares.push_back(choice_share(k, row.choices.size()));
+    return list(decimal(row.normal), joined(shares, ';'), xml_text(joined(row.choices, ',')), row);
 }
 
 // Kdenlive shows x * factor and knows no offset: a range with numbers below 0 is shown from 0 on, with a word on
@@ -80,7 +71,7 @@ std::string text_of(const param_row& row, const description_input& from)
     case row_kind::look:
         return look_list(row, from.looks);
     case row_kind::rate:
-        return rate_list(row);
+        return text_list(row, row.text, common_rates());
     case row_kind::time_unit:
         return ""; // Kdenlive counts seconds
     case row_kind::toggle:

@@ -1,8 +1,7 @@
 #include "adapters/frei0r/descriptions/shown_param.hpp"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
+#include <charconv>
 
 namespace frei0r
 {
@@ -34,8 +33,8 @@ bool is_number(const param_row& row)
 std::string decimal(double value, int digits)
 {
     char text[64];
-    std::snprintf(text, sizeof text, "%.*f", digits, value);
-    std::string shortest = text;
+    std::string shortest(text,
+                         std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, digits).ptr);
     if (shortest.find('.') != std::string::npos)
     {
         shortest.erase(shortest.find_last_not_of('0') + 1);
@@ -52,8 +51,13 @@ std::string choice_share(std::size_t k, std::size_t count)
 
 std::string color_text(const param_row& row)
 {
-    char text[16];
-    std::snprintf(text, sizeof text, "#%02x%02x%02x", row.color.red, row.color.green, row.color.blue);
+    constexpr const char* digits = "0123456789abcdef";
+    std::string text = "#";
+    for (const unsigned channel : {0u + row.color.red, 0u + row.color.green, 0u + row.color.blue})
+    {
+        text += digits[channel / 16];
+        text += digits[channel % 16];
+    }
     return text;
 }
 

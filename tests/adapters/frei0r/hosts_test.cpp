@@ -114,6 +114,17 @@ TEST_F(frei0r_hosts, ffmpeg_may_forget_the_time)
     expect_same(frames("out.mov"), "reference.mov");
 }
 
+TEST_F(frei0r_hosts, ffmpeg_is_told_of_widths_that_it_pads)
+{
+    const std::string draw =
+        "ffmpeg -f lavfi -i frei0r_src=size=WIDTHx64:framerate=25:filter_name=filigrane_generator "
+        "-frames:v 1 -f null - 2>words; grep -c 'filigrane: FFmpeg may pad' words | grep -x ";
+    const auto at_width = [&draw](const std::string& width)
+    { return std::string(draw).replace(draw.find("WIDTH"), 5, width); };
+    run(at_width("650") + "1");
+    run(at_width("656") + "0");
+}
+
 // Two frames later: only the time can tell.
 TEST_F(frei0r_hosts, ffmpeg_keeps_the_time_of_a_copy)
 {
