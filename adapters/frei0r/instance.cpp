@@ -1,6 +1,7 @@
 #include "adapters/frei0r/instance.hpp"
 
 #include "adapters/common/frame_draw.hpp"
+#include "adapters/common/plain_arithmetic.hpp"
 #include "adapters/frei0r/frei0r_header.hpp"
 
 #include "host/looks.hpp"
@@ -58,6 +59,7 @@ void instance::set(int index, const void* given)
 {
     if (index < 0 || static_cast<std::size_t>(index) >= rows_.size() || given == nullptr)
         return;
+    const adapter::plain_arithmetic plain;
     const auto i = static_cast<std::size_t>(index);
     const param_row& row = rows_[i];
     if (row.is_text())
@@ -228,6 +230,7 @@ void instance::draw(double time, const std::uint8_t* input, std::uint8_t* output
 {
     if (!effect_)
         return pass_on(input, output);
+    const adapter::plain_arithmetic plain;
     const std::int32_t frame = frame_of(time, unit_, rate_, untimed_);
     const std::ptrdiff_t rowbytes = std::ptrdiff_t{4} * width_;
     adapter::draw_frame(*effect_, adapter::composition_at(width_, height_, rate_, frame), tracks_, frame,

@@ -1,11 +1,15 @@
 // Parameters and pictures of instances, through the file as a host has it.
 #include "frei0r_file.hpp"
 
+#include <cfenv>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
+#if defined(__SSE2__)
+#include <xmmintrin.h>
+#endif
 
 using namespace frei0r_test;
 
@@ -155,6 +159,43 @@ TEST_F(instance_test, draws_on_several_threads)
     for (std::thread& thread : threads)
         thread.join();
 }
+
+// Threads of some hosts round otherwise.
+TEST_F(instance_test, is_not_misled_by_a_threads_rounding)
+{
+    f0r_instance_t made = instance();
+    file.set(made, "Rotation", 0.5123);
+    const pixels expected = draw(made, 0.12);
+    const int before = std::fegetround();
+    for (const int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO})
+    {
+        f0r_instance_t other = instance();
+        std::fesetround(mode);
+        file.set(other, "Rotation", 0.5123);
+        const pixels drawn = draw(other, 0.12);
+        const int after = std::fegetround();
+        std::fesetround(before);
+        EXPECT_EQ(after, mode);
+        EXPECT_EQ(drawn, expected) << mode;
+    }
+}
+
+#if defined(__SSE2__)
+// Or take numbers near 0 for 0.
+TEST_F(instance_test, is_not_misled_by_flushed_numbers)
+{
+    f0r_instance_t made = instance();
+    const pixels expected = draw(made, 0.12);
+    const unsigned before = _mm_getcsr();
+    constexpr unsigned flush = 0x8040; // results and operands
+    _mm_setcsr(before | flush);
+    const pixels drawn = draw(made, 0.12);
+    const unsigned after = _mm_getcsr();
+    _mm_setcsr(before);
+    EXPECT_EQ(after & flush, flush);
+    EXPECT_EQ(drawn, expected);
+}
+#endif
 
 TEST_F(instance_test, takes_time_as_the_unit_and_rate_say)
 {
