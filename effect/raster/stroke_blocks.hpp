@@ -33,7 +33,7 @@ public:
     // blocks; false where `memory` is short.
     bool make_room(std::int32_t* swept_first, std::int32_t* swept_last, scratch_memory& memory) noexcept
     {
-        if (places_.bridged || !places_.even || !places_.ascending || lean_ < 0)
+        if (places_.bridged || !places_.even || !places_.ascending)
             return false;
         first_ = swept_first;
         last_ = swept_last;
@@ -80,10 +80,10 @@ public:
 private:
     static int height_of(const stroke_reach& reach) noexcept
     {
-        return reach.distance < 24.0f ? 32 : reach.distance < 60.0f ? 64 : column_runs::kMostRows;
+        return reach.distance < 24.0f ? 32 : column_runs::kMostRows;
     }
 
-    // How far a place's pixels move along in `height` rows; less than none where a stroke is too steep.
+    // How far a place's pixels move along in `height` rows, where the stroke is not too steep for blocks.
     static int lean_of(const stroke_candidates& places, int height) noexcept
     {
         constexpr float kMost = 2.5f;
