@@ -92,6 +92,13 @@ void read_row(const pixel_format& format, const std::byte* from, std::uint8_t* a
     }
 }
 
+// Straight to its place: channels gathered in between would be waited for.
+template <class Channel>
+void store(std::byte* pixel, int index, Channel value)
+{
+    std::memcpy(pixel + static_cast<std::size_t>(index) * sizeof value, &value, sizeof value);
+}
+
 template <class Depth, int Components>
 void write_row(const pixel_format& format, const std::uint8_t* argb, std::byte* to, int count)
 {
@@ -103,12 +110,11 @@ void write_row(const pixel_format& format, const std::uint8_t* argb, std::byte* 
     {
         const auto colour = [&](int i)
         { return multiply ? Depth::multiplied(argb[i], argb[0]) : Depth::out(argb[i]); };
-        typename Depth::channel c[4];
-        c[red] = colour(1);
-        c[1] = colour(2);
-        c[2 - red] = colour(3);
-        c[3] = opaque ? Depth::white : Depth::out(argb[0]);
-        std::memcpy(to, c, step);
+        store(to, red, colour(1));
+        store(to, 1, colour(2));
+        store(to, 2 - red, colour(3));
+        if constexpr (Components == 4)
+            store(to, 3, opaque ? Depth::white : Depth::out(argb[0]));
     }
 }
 
