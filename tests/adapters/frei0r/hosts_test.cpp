@@ -25,7 +25,7 @@ protected:
     {
         const std::string names =
             "filigrane() { " TOOL " \"$@\"; }\n"
-            "melt() { for try in 1 2 3 4 5; do timeout 6 melt \"$@\" && return; done; false; }\n";
+            "melt() { for limit in 6 6 12 24 48 96; do timeout $limit melt \"$@\" && return; done; false; }\n";
         media_test::put(at("line.sh"), "cd " + at("").string() + "\n" + names + line + "\n");
         const std::string command =
             "bash " + at("line.sh").string() + " >" + at("log").string() + " 2>&1 </dev/null";
