@@ -6,6 +6,7 @@
 #include "adapters/openfx/library.hpp"
 #include "adapters/openfx/properties.hpp"
 
+#include <cstdio>
 #include <exception>
 #include <new>
 #include <string_view>
@@ -21,8 +22,10 @@ namespace openfx
 void tell(OfxImageEffectHandle effect, const char* type, const char* text) noexcept
 {
     const OfxMessageSuiteV1* const suite = suites().message;
-    if (suite && suite->message)
+    if (effect && suite && suite->message)
         suite->message(effect, type, "", "%s", text);
+    else
+        (void)std::fprintf(stderr, "filigrane: %s\n", text);
 }
 
 namespace

@@ -208,6 +208,44 @@ TEST(openfx_hosts, may_lack_properties_of_descriptors_and_parameters)
     strict::the_watch().missing.clear();
 }
 
+// A frame with everything that hosts ask around it, in their order and with all arguments.
+TEST(openfx_hosts, may_ask_everything_around_a_frame)
+{
+    const plain_picture source = sample_picture(20, 16);
+    session s;
+    s.show(source);
+    over_the_source(s);
+    OfxPropertySetStruct preferences;
+    EXPECT_EQ(s.host.clip_preferences(s.plugin, *s.instance, preferences), kOfxStatOK);
+
+    OfxPropertySetStruct in;
+    in.what = "the arguments";
+    in.define("OfxPropTime", {2.0}, true);
+    in.define("OfxImageEffectPropRenderScale", {1.0, 1.0}, true);
+    in.define("OfxImageEffectPropThumbnailRender", {std::string("false")}, true);
+    in.define("OfxImageEffectPropRegionOfInterest", {0.0, 0.0, 20.0, 16.0}, true);
+    in.define("OfxImageEffectPropFrameRange", {2.0, 2.0}, true);
+    in.define("OfxImageEffectPropFrameStep", {1.0}, true);
+    in.define("OfxPropIsInteractive", {0}, true);
+    OfxPropertySetStruct out;
+    out.what = "the answer";
+    out.define("OfxImageEffectPropRegionOfDefinition", {0.0, 0.0, 0.0, 0.0});
+    out.define("OfxImageClipPropRoI_Source", {0.0, 0.0, 0.0, 0.0});
+    out.define_any("OfxImageClipPropFrameRange_Source", 0.0);
+    const auto ask = [&](const char* action, OfxPropertySetStruct* answer)
+    { return s.host.act(s.plugin, action, s.instance.get(), &in, answer); };
+    // The host's own answers are right: the source's region, the region asked for, the one frame.
+    EXPECT_EQ(ask("OfxImageEffectActionGetRegionOfDefinition", &out), kOfxStatReplyDefault);
+    EXPECT_EQ(s.host.is_identity(s.plugin, *s.instance, {.time = 2.0}), kOfxStatReplyDefault);
+    EXPECT_EQ(ask("OfxImageEffectActionGetRegionsOfInterest", &out), kOfxStatReplyDefault);
+    EXPECT_EQ(ask("OfxImageEffectActionGetFramesNeeded", &out), kOfxStatReplyDefault);
+    EXPECT_EQ(ask("OfxImageEffectActionBeginSequenceRender", nullptr), kOfxStatReplyDefault);
+    EXPECT_EQ(difference(reference(composition(20, 16), over_the_source(), 2, &source),
+                         s.draw(20, 16, {}, {.time = 2.0})->read()),
+              "");
+    EXPECT_EQ(ask("OfxImageEffectActionEndSequenceRender", nullptr), kOfxStatReplyDefault);
+}
+
 // One handle for descriptor and instance, and the descriptions again before each frame.
 TEST(openfx_hosts, may_have_one_handle_for_descriptor_and_instance)
 {

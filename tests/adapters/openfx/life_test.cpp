@@ -93,7 +93,10 @@ TEST(openfx_life, fails_to_load_without_the_effects_file_and_tries_anew)
     strict::host host;
     const strict::binary library(FILIGRANE_OFX_FILE);
     set_variable("FILIGRANE_PLUGIN", "/nowhere/Filigrane.so");
+    testing::internal::CaptureStderr();
     EXPECT_EQ(host.load(*library.plugin(0)), kOfxStatFailed);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("filigrane: FILIGRANE_PLUGIN names"), std::string::npos);
+    EXPECT_TRUE(strict::the_watch().messages.empty()); // there is no effect yet to tell it of
     set_variable("FILIGRANE_PLUGIN", "");
     EXPECT_EQ(host.load(*library.plugin(0)), kOfxStatOK);
     EXPECT_EQ(host.complaints(), std::vector<std::string>());
