@@ -32,7 +32,11 @@ constexpr std::int32_t kMostQuality = 7;
 // sliders end at 200 lines. Lines that wrap get there after wrapping round hundreds of times over most of the
 // canvas. Further strokes are left out.
 constexpr std::int64_t kMostCanvases = 256;
-constexpr std::int64_t kMostSweptPixels = std::int64_t{1} << 29;
+constexpr std::int64_t kMostSweptPixels = std::int64_t{1} << 27;
+
+// What a piece of a wrapped line counts as among them, besides its own: setting it up and laying it over the
+// destination takes as long, however small it is.
+constexpr std::int64_t kPixelsOfPiece = 4096;
 
 // Samples, and positions between them, that strokes without a list of places look at, all strokes of a render
 // together. Lists lack memory only where lines rise tens of pixels at every step. Further pixels are left out.

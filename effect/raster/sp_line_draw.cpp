@@ -63,7 +63,8 @@ std::int64_t canvas_pixels(const LineCreatorClass& creator) noexcept
     return std::int64_t{creator.width} * creator.height;
 }
 
-// Pixels of the canvas in the box around a run of samples, the outer radius added to each side, or a few more.
+// What a piece counts as: pixels of the canvas in the box around its samples, the outer radius added to each side,
+// and what laying it over the destination is worth.
 std::int64_t box_pixels(const LineCreatorClass& creator, const StrokePoint* samples, int count) noexcept
 {
     float left = samples[0].x;
@@ -86,7 +87,7 @@ std::int64_t box_pixels(const LineCreatorClass& creator, const StrokePoint* samp
             return std::int64_t{0};
         return covered < limit ? trunc_i64(static_cast<double>(covered)) + 1 : std::int64_t{size}; // or no number
     };
-    return length(left, right, creator.width) * length(top, bottom, creator.height);
+    return length(left, right, creator.width) * length(top, bottom, creator.height) + kPixelsOfPiece;
 }
 
 // One run of samples, drawn and laid over the destination, as one that sweeps no more than `swept` pixels.
