@@ -20,8 +20,8 @@ OfxStatus clip_preferences(OfxImageEffectHandle effect, OfxPropertySetHandle out
 // Where the user chose a look, sets all parameters to it.
 OfxStatus instance_changed(const library& lib, OfxImageEffectHandle effect, OfxPropertySetHandle in_args);
 
-// A line for the host's user, where the host has a way to show it: not before there is an effect. Otherwise it goes to
-// the standard error.
+// A line for the host's user, where the host has a way to show it: not before there is an effect. Otherwise it
+// goes to the standard error.
 void tell(OfxImageEffectHandle effect, const char* type, const char* text) noexcept;
 
 // The frame of a time. Hosts' arithmetic leaves times a little below the frame that is meant, and a field's time

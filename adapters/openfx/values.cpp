@@ -62,6 +62,12 @@ OfxParamHandle param_handle(OfxParamSetHandle set, const char* name)
     return param;
 }
 
+OfxParamSetHandle params_of(OfxImageEffectHandle effect)
+{
+    OfxParamSetHandle params = nullptr;
+    return suites().effect->getParamSet(effect, &params) == kOfxStatOK ? params : nullptr;
+}
+
 frame_values::frame_values(const library& lib, OfxParamSetHandle params, OfxTime time, std::int32_t frame)
     : lib_(lib), time_(time), frame_(frame), known_(lib.params.rows.size())
 {

@@ -21,6 +21,9 @@ numbers read_value(const param_row& row, OfxParamHandle param, OfxTime time);
 // The handle of a parameter; null where the host does not have it.
 OfxParamHandle param_handle(OfxParamSetHandle set, const char* name);
 
+// An instance's parameters; null where the host does not give them.
+OfxParamSetHandle params_of(OfxImageEffectHandle effect);
+
 // The values of one frame, and of those before it as far as the effect asks. Frames are times: the composition has
 // one frame a second. To be used on one thread, and outlived by nothing that `tracks` answered.
 class frame_values

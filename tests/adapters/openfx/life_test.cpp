@@ -3,6 +3,9 @@
 #include "tests/adapters/openfx/ofx_session.hpp"
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 namespace
 {
@@ -114,4 +117,27 @@ TEST(openfx_life, does_without_a_message_suite)
     ASSERT_EQ(strict::the_watch().messages.size(), 1u);
     EXPECT_NE(strict::the_watch().messages[0].find("200000"), std::string::npos);
 }
+#if !defined(_WIN32)
+// Copied to where a host looks, the bundle brings the effect with it.
+TEST(openfx_life, is_at_home_wherever_the_bundle_is_copied)
+{
+    const std::filesystem::path folder_of_binaries = std::filesystem::path(FILIGRANE_OFX_FILE).parent_path();
+    std::string name = (std::filesystem::temp_directory_path() / "filigrane-ofx-XXXXXX").string();
+    const std::filesystem::path home = mkdtemp(name.data());
+    const std::filesystem::path bundle = home / "Filigrane.ofx.bundle";
+    std::filesystem::copy(folder_of_binaries.parent_path().parent_path(), bundle,
+                          std::filesystem::copy_options::recursive);
+    {
+        strict::host host;
+        const strict::binary library(bundle / "Contents" / folder_of_binaries.filename() / "Filigrane.ofx");
+        EXPECT_EQ(host.load(*library.plugin(0)), kOfxStatOK);
+        std::ifstream maps("/proc/self/maps");
+        const std::string mapped{std::istreambuf_iterator<char>(maps), {}};
+        EXPECT_NE(mapped.find((bundle / "Contents" / folder_of_binaries.filename() / "Filigrane.so").string()),
+                  std::string::npos);
+    }
+    EXPECT_TRUE(std::filesystem::exists(bundle / "Contents" / "Resources" / "presets" / "tartan.json"));
+    std::filesystem::remove_all(home);
+}
+#endif
 } // namespace

@@ -118,6 +118,28 @@ void set(host::param_tracks& values, const std::string& label, const std::string
     values.set(info.index, host::parse_value(info, value));
 }
 
+void draw_over_source(session& s)
+{
+    s.param("compositeOnOriginal").value[0] = 1;
+    s.param("rows").value[0] = 7;
+    s.param("rotation").value[0] = -30.0;
+    s.param("position").value = {0.4, 0.7};
+    s.param("normalColor").value = {0.2, 0.4, 1.0, 1.0};
+    s.param("opacity").value[0] = 0.8;
+}
+
+host::param_tracks drawn_over_source()
+{
+    host::param_tracks values = defaults();
+    set(values, "Composite On Original", "on");
+    set(values, "Rows", "7");
+    set(values, "Rotation", "30deg");
+    set(values, "Position", "40%,30%");
+    set(values, "Normal Color", "#3366ff");
+    set(values, "Opacity", "80%");
+    return values;
+}
+
 plain_picture sample_picture(int width, int height)
 {
     plain_picture picture(width, height);

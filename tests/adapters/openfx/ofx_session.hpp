@@ -53,6 +53,10 @@ host::param_tracks defaults();
 // Sets a parameter by its label, as the command line does.
 void set(host::param_tracks& values, const std::string& label, const std::string& value);
 
+// Lines over the source, in values that the two sides are given in their own ways.
+void draw_over_source(session& s);
+host::param_tracks drawn_over_source();
+
 // Pixels of all kinds: smooth, noisy, transparent.
 plain_picture sample_picture(int width, int height);
 // The first differing pixel in words; empty where they are equal.
