@@ -1,5 +1,5 @@
-// The fast way to draw a stroke against the plain one, where it follows cells from row to row and panel to panel:
-// long strokes whose bends are within reach of what they draw.
+// The fast way to draw a stroke against the plain one, where it draws block by block and tells nearest places from
+// those of a few rows: long strokes whose bends are within reach of what they draw.
 
 #include "stroke_comparison.hpp"
 
