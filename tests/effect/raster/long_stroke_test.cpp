@@ -275,7 +275,7 @@ TEST(long_stroke_of, any_memory_is_what_the_plain_way_draws)
                             100.0f, PF_Pixel{255, static_cast<A_u_char>(i % 256), 9, 9}});
     const raster_test::picture plain = raster_test::drawn_plainly(s, visits::first);
     tally count;
-    for (std::uint64_t bytes = 0; bytes < 200'000 && !HasFailure(); bytes += 2'500)
+    for (std::uint64_t bytes = 0; bytes < 150'000 && !HasFailure(); bytes += 5'000)
         for (const simd_level level : raster_test::levels())
             raster_test::compare_at(level, s, plain, std::to_string(bytes) + " bytes", count, bytes);
     EXPECT_EQ(count.left, 0) << "the mask has room for the runs";
@@ -288,6 +288,8 @@ INSTANTIATE_TEST_SUITE_P(strokes, long_stroke,
                                            family{"corners", {course::corners, 900, 120.0f}, 8},
                                            family{"hooks", {course::hook, 900, 160.0f}, 20},
                                            family{"cliffs", {course::cliffs, 700, 160.0f}, 8},
+                                           family{"thin_cliffs", {course::cliffs, 700, 14.0f}, 8},
+                                           family{"thin_and_gentle", {course::gentle, 2200, 24.0f}, 4},
                                            family{"on_the_grid", {course::grid, 700, 100.0f}, 8},
                                            family{"leaving", {course::leaving, 1200, 90.0f}, 8},
                                            family{"brief", {course::brief, 300, 120.0f}, 16},
