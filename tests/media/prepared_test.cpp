@@ -51,8 +51,7 @@ TEST_F(prepared, frames_make_the_same_files_as_written_ones)
     const std::vector<media::picture> pictures = moving_pictures();
     std::filesystem::create_directory(at("one"));
     std::filesystem::create_directory(at("two"));
-    for (const char* name :
-         {"a.mp4", "a.mov", "a.gif", "a_%d.png", "a_%d.jpg", "a_%d.tif", "a_%d.webp", "a_%d.bmp"})
+    for (const char* name : {"a.mov", "a.gif", "a_%d.png", "a_%d.jpg", "a_%d.tif", "a_%d.webp", "a_%d.bmp"})
     {
         write_all(at("one") / name, numbered(), pictures);
         write_prepared(at("two") / name, pictures);
@@ -63,7 +62,27 @@ TEST_F(prepared, frames_make_the_same_files_as_written_ones)
         EXPECT_EQ(contents(entry.path()), contents(at("two") / entry.path().filename())) << entry.path();
         ++files;
     }
-    EXPECT_EQ(files, 3 + 5 * frames);
+    EXPECT_EQ(files, 2 + 5 * frames);
+}
+
+// The H.264 encoder does not always make the same bytes of the same frames, of so small ones at least: one
+// encoding in some hundreds differs from the others by a level or two of a few pixels. The frames differ by ten of
+// blue.
+TEST_F(prepared, frames_make_the_same_clip_as_written_ones)
+{
+    const std::vector<media::picture> pictures = moving_pictures();
+    write_all(at("one.mp4"), numbered(), pictures);
+    write_prepared(at("two.mp4"), pictures);
+    media::reader one(at("one.mp4"));
+    media::reader two(at("two.mp4"));
+    for (int i = 0; i < frames; ++i)
+    {
+        const media::picture written = read_one(one, i);
+        const media::picture made = read_one(two, i);
+        for (int channel = 0; channel < 4; ++channel)
+            EXPECT_LE(worst(written, made, channel), 4) << i << ", channel " << channel;
+    }
+    EXPECT_GT(worst(read_one(one, 3), read_one(two, 4), 3), 4);
 }
 
 TEST_F(prepared, frames_of_another_size_are_told_with_their_files_name)
