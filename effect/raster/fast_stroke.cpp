@@ -21,9 +21,10 @@ bool draw_stroke_fast(LineCreatorClass& creator) noexcept
 {
     const bool solid_core = creator.subRenderFunction == &LineCreatorClass::SubRenderMonocolor;
     const bool one_color = creator.pixelFunction == &LineCreatorClass::CalculatePixelMonocolor;
-    const bool ours = (solid_core || creator.subRenderFunction == &LineCreatorClass::SubRenderMulticolor) &&
-                      (one_color || creator.pixelFunction == &LineCreatorClass::CalculatePixelMulticolor);
-    if (!ours || (solid_core && !one_color) || (creator.axis != 0 && creator.axis != 1) || creator.pointCount <= 0)
+    const bool no_core = creator.subRenderFunction == &LineCreatorClass::SubRenderMulticolor;
+    const bool many_colors = creator.pixelFunction == &LineCreatorClass::CalculatePixelMulticolor;
+    if (!(solid_core || no_core) || !(one_color || many_colors) || (solid_core && !one_color) ||
+        (creator.axis != 0 && creator.axis != 1) || creator.pointCount <= 0)
         return false;
     const float first_main = creator.axis == 1 ? creator.points[0].y : creator.points[0].x;
     if (!(std::fabs(first_main) < 1e8f) || creator.pool == nullptr ||

@@ -18,6 +18,7 @@ namespace
 class stroke_blocks
 {
 public:
+    // `places` are ascending.
     stroke_blocks(const stroke_candidates& places, const stroke_canvas& canvas, const stroke_windows& windows,
                   const covered_rows& covered, const swept_plane& plane, float widest) noexcept
         : places_(places), canvas_(canvas), windows_(windows), covered_(covered), plane_(plane), reach_(widest),
@@ -33,7 +34,7 @@ public:
     // blocks; false where `memory` is short.
     bool make_room(std::int32_t* swept_first, std::int32_t* swept_last, scratch_memory& memory) noexcept
     {
-        if (places_.bridged || !places_.even || !places_.ascending)
+        if (places_.bridged || !places_.even)
             return false;
         first_ = swept_first;
         last_ = swept_last;
@@ -118,8 +119,6 @@ private:
     // Whether a block's nearest places can be told from its edges.
     bool enter(int block, int tile, lane_pixels* t) noexcept
     {
-        if (!edges_.knows(block, tile) || !edges_.knows(block + 1, tile))
-            return false;
         int low = 0;
         int high = 0;
         if (!edges_.between(block, t->at, t->at + kLanes - 1, &low, &high))

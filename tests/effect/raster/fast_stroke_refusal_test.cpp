@@ -110,6 +110,13 @@ TEST(fast_stroke, leaves_functions_of_somebody_elses_alone)
     expect_left_alone("stroke", [](stage&, LineCreatorClass& c) { c.subRenderFunction = nullptr; });
 }
 
+// Pixels of the core take the first sample's colour there, all others their own.
+TEST(fast_stroke, leaves_a_solid_core_of_many_colours_alone)
+{
+    expect_left_alone("core", [](stage&, LineCreatorClass& c)
+                      { c.subRenderFunction = &LineCreatorClass::SubRenderMonocolor; });
+}
+
 TEST(fast_stroke, leaves_what_is_no_function_of_its_axis_alone)
 {
     for (const int axis : {-1, 2})
