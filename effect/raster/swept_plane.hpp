@@ -84,7 +84,10 @@ public:
     }
 
 private:
-    static std::size_t length(span s) noexcept { return static_cast<std::size_t>(s.last - s.first + 1); }
+    static std::size_t length(span s) noexcept
+    {
+        return static_cast<std::size_t>(s.last) - static_cast<std::size_t>(s.first) + 1;
+    }
 
     std::uint8_t* byte(int at, int row) const noexcept { return bytes_ + std::ptrdiff_t{row} * size_ + at; }
 
