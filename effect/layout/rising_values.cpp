@@ -6,6 +6,7 @@
 float tangent_memory::of(double angle)
 {
     for (int i = 0; i < kept_; ++i)
+        // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison,cert-exp42-c,cert-flp37-c): the same bits are meant
         if (std::memcmp(&angle_[i], &angle, sizeof angle) == 0)
             return slope_[i];
     const auto slope = static_cast<float>(tan_(angle * 0.017453292519943295));

@@ -72,8 +72,10 @@ private:
         for (int i = 0; i < shortest_mapped_run; ++i)
         {
             const double at = (column + i) + 0.5;
+            // NOLINTBEGIN(bugprone-incorrect-roundings): as the plain way has it
             x[i] = static_cast<std::int32_t>((((map.xx * at + map.yx_y) + map.ox) - 0.5) * 65536.0 + 0.5);
             y[i] = static_cast<std::int32_t>((((map.xy * at + map.yy_y) + map.oy) - 0.5) * 65536.0 + 0.5);
+            // NOLINTEND(bugprone-incorrect-roundings)
         }
     }
 
