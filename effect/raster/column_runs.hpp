@@ -70,18 +70,20 @@ public:
         // The boundaries that are crossed, and those before and behind, which may be near.
         const int begin = std::max(first, low_ + 1);
         const int doubts = find_rows(lane, rows, begin, std::min(last + 1, high_));
-        std::int32_t* const starts = starts_ + 1 - begin;
+        // Boundary j has its start at number 1 + j - begin; the first run takes the place of the one before.
+        std::int32_t* const lowest = starts_ + 1 + (first - begin);
+        std::int32_t* const highest = starts_ + 1 + (last + 1 - begin);
         if (a <= b)
         {
-            starts[first] = 0;
-            starts[last + 1] = count;
-            lay_runs(first, last - first + 1, 1, starts + first, to);
+            *lowest = 0;
+            *highest = count;
+            lay_runs(first, last - first + 1, 1, lowest, to);
         }
         else
         {
-            starts[last + 1] = 0;
-            starts[first] = count;
-            lay_runs(last, last - first + 1, -1, starts + last + 1, to);
+            *highest = 0;
+            *lowest = count;
+            lay_runs(last, last - first + 1, -1, highest, to);
         }
         for (int d = 0; d < doubts; ++d)
             settle(lane, rows, doubts_[d], to);
