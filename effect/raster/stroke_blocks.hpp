@@ -2,10 +2,11 @@
 // Draws a wide stroke of many colours in blocks of eight main positions by some dozens of rows, column by column.
 // Internal to the file that includes it, as lanes are.
 
-#include "effect/raster/block_edges.hpp"
-#include "effect/raster/column_runs.hpp"
+#include "effect/raster/column_steps.hpp"
 #include "effect/raster/covered_rows.hpp"
 #include "effect/raster/nearest_place.hpp"
+#include "effect/raster/place_crowd.hpp"
+#include "effect/raster/row_cells.hpp"
 #include "effect/raster/stroke_canvas.hpp"
 #include "effect/raster/swept_plane.hpp"
 
@@ -22,16 +23,13 @@ public:
     stroke_blocks(const stroke_candidates& places, const stroke_canvas& canvas, const stroke_windows& windows,
                   const covered_rows& covered, const swept_plane& plane, float widest) noexcept
         : places_(places), canvas_(canvas), windows_(windows), covered_(covered), plane_(plane), reach_(widest),
-          lean_(lean_of(places, height_of(reach_))),
-          edges_(places, stroke_reach(widest + static_cast<float>(height_of(reach_) + lean_ + 2 * kLanes)),
-                 height_of(reach_), lean_),
-          runs_(places)
+          height_(reach_.distance < 24.0f ? 32 : column_steps::kMostRows), steps_(places), crowd_(places)
     {
     }
 
-    // Finds what lies between the blocks. `swept_first`, `swept_last`: for each main position the rows to draw, of
-    // which those that nothing reaches are taken away. False, with nothing changed, where the stroke is none for
-    // blocks; false where `memory` is short.
+    // Makes ready to draw. `swept_first`, `swept_last`: for each main position the rows to draw, of which those
+    // that nothing reaches are taken away. False, with nothing changed, where the stroke is none for blocks; false
+    // where `memory` is short.
     bool make_room(std::int32_t* swept_first, std::int32_t* swept_last, scratch_memory& memory) noexcept
     {
         if (places_.bridged || !places_.even)
@@ -40,12 +38,13 @@ public:
         last_ = swept_last;
         tiles_ = (canvas_.size + kLanes - 1) / kLanes;
         rows_ = memory.take<span>(tiles_);
-        if (rows_ == nullptr)
+        if (rows_ == nullptr || !steps_.take(memory) || !edges_[0].take(places_, canvas_.size, memory) ||
+            !edges_[1].take(places_, canvas_.size, memory))
             return false;
         nearest_place ahead(places_, reach_, canvas_.across);
         for (int tile = 0; tile < tiles_; ++tile)
             rows_[tile] = rows_of(tile, ahead);
-        return edges_.find(rows_, tiles_, canvas_.across, memory);
+        return true;
     }
 
     // paint(tile, row, needed, sure, places, &color) answers which of the needed pixels of eight, with known
@@ -55,10 +54,16 @@ public:
     template <class Paint, class Search>
     void draw(Paint paint, Search search) noexcept
     {
-        const int height = edges_.height();
-        for (int block = 0; block * height < canvas_.across; ++block)
+        int found = -1; // the last row whose cells are known
+        for (int top = 0; top < canvas_.across; top += height_)
         {
-            const span all = {block * height, block * height + height - 1};
+            const span all = {top, top + height_ - 1};
+            if (!any_in(all))
+                continue;
+            if (found != top)
+                edge(top).find(places_, steps_.slopes(), top);
+            found = top + height_;
+            edge(found).find(places_, steps_.slopes(), found);
             nearest_place nearest(places_, reach_, canvas_.across);
             for (int tile = 0; tile < tiles_; ++tile)
             {
@@ -69,8 +74,12 @@ public:
                 written_ = 0;
                 written_at_ = t.at;
                 written_tile_ = canvas_.tile_across(rows.first);
-                if (enter(block, tile, &t))
-                    draw_columns(t, block * height, rows, paint);
+                if (!find_ends(top, t.at))
+                    draw_rows(tile, rows, nearest, search);
+                else if (enter(top, tile, &t))
+                    draw_columns(t, top, rows, paint);
+                else if (enter_crowd(top, tile, &t))
+                    draw_crowd(t, rows, paint);
                 else
                     draw_rows(tile, rows, nearest, search);
                 canvas_.mark(t.at, written_tile_, written_);
@@ -79,25 +88,20 @@ public:
     }
 
 private:
-    static int height_of(const stroke_reach& reach) noexcept
-    {
-        return reach.distance < 24.0f ? 32 : column_runs::kMostRows;
-    }
-
-    // How far a place's pixels move along in `height` rows, where the stroke is not too steep for blocks.
-    static int lean_of(const stroke_candidates& places, int height) noexcept
-    {
-        constexpr float kMost = 2.5f;
-        float steepest = 0.0f;
-        for (int j = 1; j < places.count; ++j)
-        {
-            const float slope = std::fabs(places.cross[j] - places.cross[j - 1]) * places.per_pixel;
-            steepest = slope > steepest && slope < kMost ? slope : steepest;
-        }
-        return static_cast<int>(steepest * static_cast<float>(height)) + 1;
-    }
+    static constexpr int kMostSpread = 512; // places looked through for one that has cells
 
     int lanes_of(int tile) const noexcept { return std::min(kLanes, canvas_.size - tile * kLanes); }
+
+    // The cells of a row between blocks.
+    row_cells& edge(int row) noexcept { return edges_[row / height_ % 2]; }
+
+    bool any_in(span all) const noexcept
+    {
+        for (int tile = 0; tile < tiles_; ++tile)
+            if (std::max(rows_[tile].first, all.first) <= std::min(rows_[tile].last, all.last))
+                return true;
+        return false;
+    }
 
     // The rows of a tile in which there is anything to draw.
     span rows_of(int tile, nearest_place& ahead) noexcept
@@ -116,23 +120,65 @@ private:
         return rows;
     }
 
-    // Whether a block's nearest places can be told from its edges.
-    bool enter(int block, int tile, lane_pixels* t) noexcept
+    // Finds the places that those nearest to the pixels of a tile's block lie between. False where they lie too
+    // far apart.
+    //
+    // Of the pixels before the tile, take the lower one of the nearest places in the block's first row and in the
+    // row behind its last. If it has a cell in both rows, that is at the pixel in one and no farther along in the
+    // other. A cell is convex, so it has one in every row between, before the tile; and along a row places follow
+    // each other.
+    bool find_ends(int top, int at) noexcept
     {
-        int low = 0;
-        int high = 0;
-        if (!edges_.between(block, t->at, t->at + kLanes - 1, &low, &high))
+        const row_cells& above = edge(top);
+        const row_cells& below = edge(top + height_);
+        low_ = std::min(above.at(at - 1), below.at(at - 1));
+        high_ = std::max(above.at(at + kLanes), below.at(at + kLanes));
+        const int lowest = std::max(low_ - kMostSpread, 0);
+        const int highest = std::min(high_ + kMostSpread, places_.count - 1);
+        in_order_ = true;
+        for (; low_ >= lowest && !(above.has(low_) && below.has(low_)); --low_)
+            in_order_ = false;
+        for (; high_ <= highest && !(above.has(high_) && below.has(high_)); ++high_)
+            in_order_ = false;
+        return low_ >= lowest && high_ <= highest;
+    }
+
+    // Whether each of those places has a cell all through the block.
+    bool enter(int top, int tile, lane_pixels* t) noexcept
+    {
+        const int_lanes above = edge(top).lanes_at(t->at);
+        const int_lanes below = edge(top + height_).lanes_at(t->at);
+        if (!in_order_ || !steps_.enter(t->at, top, height_, low_, high_, above, below))
             return false;
-        const int_lanes above = edges_.at(block, tile);
-        const int_lanes below = edges_.at(block + 1, tile);
-        if (!runs_.enter(t->at, block * edges_.height(), edges_.height(), low, high, above, below))
-            return false;
-        t->all_inside = windows_.all_inside(places_, low, high + 1);
-        set_lanes(*t, tile, low, high, above, below);
+        t->all_inside = windows_.all_inside(places_, low_, high_ + 1);
+        set_lanes(*t, tile, above, below);
         return true;
     }
 
-    void set_lanes(const lane_pixels& t, int tile, int low, int high, int_lanes above, int_lanes below) noexcept
+    // Collects those of the places that may have a cell anywhere in the block: one that has none in either of the
+    // two rows and lies between them itself, or that has one. Of a place that lies beyond one of the rows, what is
+    // nearest to it is cut by that row first. False where they are too many.
+    bool enter_crowd(int top, int tile, lane_pixels* t) noexcept
+    {
+        const row_cells& above = edge(top);
+        const row_cells& below = edge(top + height_);
+        if (!steps_.near_enough(t->at, top, height_, above.lanes_at(t->at), below.lanes_at(t->at)))
+            return false;
+        const auto first = static_cast<float>(top);
+        const auto last = static_cast<float>(top + height_ + 1);
+        crowd_.clear();
+        for (int j = low_; j <= high_; ++j)
+        {
+            const float cross = places_.cross[j];
+            if ((!above.lacks(j) || !below.lacks(j) || (first <= cross && cross <= last)) && !crowd_.add(j))
+                return false;
+        }
+        t->all_inside = windows_.all_inside(places_, low_, high_ + 1);
+        set_lanes(*t, tile, above.lanes_at(t->at), below.lanes_at(t->at));
+        return true;
+    }
+
+    void set_lanes(const lane_pixels& t, int tile, int_lanes above, int_lanes below) noexcept
     {
         needed_ = {all_lanes(canvas_.across), all_lanes(-1)};
         for (int i = 0; i < lanes_of(tile); ++i)
@@ -142,7 +188,7 @@ private:
         }
         sure_ = {all_lanes(canvas_.across), all_lanes(-1)};
         if (t.all_inside && !plane_.holed(t.at))
-            sure_ = covered_.beside(t, low, high + 1, above, below);
+            sure_ = covered_.beside(t, low_, high_ + 1, above, below);
         sure_ = {higher_of(sure_.first, needed_.first), lower_of(sure_.last, needed_.last)};
         all_sure_ = {sure_.first[0], sure_.last[0]};
         for (int i = 1; i < kLanes; ++i)
@@ -153,58 +199,85 @@ private:
     template <class Paint>
     void draw_columns(const lane_pixels& t, int top, span rows, Paint paint) noexcept
     {
-        const span within = {rows.first - top, rows.last - top};
-        for (int lane = 0; lane < kLanes; ++lane)
-            runs_.lay(lane, within, columns_ + lane * column_runs::kStride);
-        for (int row = rows.first; row <= rows.last; row += kLanes)
-        {
-            const int last = std::min(row + kLanes - 1, rows.last);
-            int_lanes lanes[kLanes];
-            for (int lane = 0; lane < kLanes; ++lane)
-                lanes[lane] = load_lanes<int_lanes>(columns_ + lane * column_runs::kStride + (row - rows.first));
-            if (last == row + kLanes - 1 && row >= all_sure_.first && last <= all_sure_.last)
-                write_square(t, row, lanes);
-            else
-                write_rows(t, {row, last}, lanes, paint);
-        }
+        span covered = {std::max(rows.first, all_sure_.first), std::min(rows.last, all_sure_.last)};
+        if (covered.first > covered.last)
+            covered = {rows.last + 1, rows.last};
+        const bool rims = covered.first > rows.first || covered.last < rows.last;
+        for (int lane = 0; lane < lanes_of(t.at / kLanes); ++lane)
+            steps_.note(lane, {rows.first - top, rows.last - top}, rims);
+        column_steps::sums now = steps_.begin(rims);
+        draw_rims(t, {rows.first, covered.first - 1}, now, paint);
+        draw_inside(t, covered, now, rims);
+        draw_rims(t, {covered.last + 1, rows.last}, now, paint);
+        steps_.finish(rims);
     }
 
-    // Eight rows of eight pixels, all of them covered. The places come column by column.
-    void write_square(const lane_pixels& t, int row, int_lanes* lanes) noexcept
+    // Rows of eight pixels, all of them covered.
+    void draw_inside(const lane_pixels& t, span rows, column_steps::sums& now, bool rims) noexcept
     {
-        for (int lane = 0; lane < kLanes; ++lane)
-            lanes[lane] = gather(places_.color, lanes[lane]);
-        if (!canvas_.fills_across())
-            turn(lanes);
-        canvas_.store_square(t.at, row, lanes);
-        if (canvas_.tile_across(row + kLanes - 1) == written_tile_)
+        int row = rows.first;
+        if (canvas_.fills_across())
+            for (; row + kLanes <= rows.last + 1; row += kLanes)
+            {
+                int_lanes square[kLanes];
+                for (int_lanes& colors : square)
+                {
+                    steps_.advance(now, rims);
+                    colors = now.color;
+                }
+                turn(square);
+                canvas_.store_square(t.at, row, square);
+            }
+        for (; row <= rows.last; ++row)
         {
-            written_ = 0xff;
-            return;
+            steps_.advance(now, rims);
+            canvas_.store(t.at, row, 0xff, now.color);
         }
-        for (int i = 0; i < kLanes; ++i)
-            note(row + i, 0xff);
+        // Most lie in one tile of the canvas.
+        if (rows.first <= rows.last && canvas_.tile_across(rows.first) == canvas_.tile_across(rows.last))
+            note(rows.first, 0xff);
+        else
+            for (row = rows.first; row <= rows.last; ++row)
+                note(row, 0xff);
     }
 
     template <class Paint>
-    void write_rows(const lane_pixels& t, span rows, int_lanes* lanes, Paint paint) noexcept
+    void draw_crowd(const lane_pixels& t, span rows, Paint paint) noexcept
     {
-        turn(lanes);
+        for (int row = rows.first; row <= rows.last; ++row)
+            draw_row(
+                t, row, [&] { return crowd_.nearest(t, row); },
+                [&](int_lanes place) { return gather(places_.color, place); }, paint);
+    }
+
+    template <class Paint>
+    void draw_rims(const lane_pixels& t, span rows, column_steps::sums& now, Paint paint) noexcept
+    {
         for (int row = rows.first; row <= rows.last; ++row)
         {
-            unsigned needed = between(needed_, row);
-            if (plane_.holed(t.at))
-                needed &= swept_in_plane(t.at, row);
-            if (needed == 0)
-                continue;
-            int_lanes color = gather(places_.color, lanes[row - rows.first]);
-            const unsigned sure = between(sure_, row);
-            unsigned bits = needed;
-            if ((needed & ~sure) != 0)
-                bits = paint(t, row, needed, sure, lanes[row - rows.first], &color);
-            canvas_.store(t.at, row, bits, color);
-            note(row, bits);
+            steps_.advance(now, true);
+            draw_row(
+                t, row, [&] { return now.place; }, [&](int_lanes) { return now.color; }, paint);
         }
+    }
+
+    // Draws what is needed of a row, whose places and their colours are asked for where anything is.
+    template <class Places, class Colors, class Paint>
+    void draw_row(const lane_pixels& t, int row, Places places, Colors colors, Paint paint) noexcept
+    {
+        unsigned needed = between(needed_, row);
+        if (plane_.holed(t.at))
+            needed &= swept_in_plane(t.at, row);
+        if (needed == 0)
+            return;
+        const int_lanes place = places();
+        int_lanes color = colors(place);
+        const unsigned sure = between(sure_, row);
+        unsigned bits = needed;
+        if ((needed & ~sure) != 0)
+            bits = paint(t, row, needed, sure, place, &color);
+        canvas_.store(t.at, row, bits, color);
+        note(row, bits);
     }
 
     template <class Search>
@@ -280,9 +353,13 @@ private:
     const covered_rows& covered_;
     const swept_plane& plane_;
     stroke_reach reach_;
-    int lean_;
-    block_edges edges_;
-    column_runs runs_;
+    int height_; // of a block
+    column_steps steps_;
+    row_cells edges_[2]; // of the block at work, those that begin in even rows of blocks and the others
+    place_crowd crowd_;
+    int low_ = 0; // of the tile's block at work: the places that its pixels' nearest ones lie between,
+    int high_ = 0;
+    bool in_order_ = false; // and whether these are the nearest ones beside the tile
     int tiles_ = 0;
     std::int32_t* first_ = nullptr; // rows to draw at each main position
     std::int32_t* last_ = nullptr;
@@ -293,6 +370,5 @@ private:
     int written_at_ = 0;
     int written_tile_ = 0;
     std::uint64_t written_ = 0;
-    std::int32_t columns_[kLanes * column_runs::kStride] = {};
 };
 } // namespace

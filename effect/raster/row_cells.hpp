@@ -1,0 +1,283 @@
+#pragma once
+// Which of a stroke's places the pixels of one row across are nearest to. Internal to the file that includes it, as
+// lanes are.
+//
+// From a row of pixels' centres the squared distance to place j is x^2 - 2 m x + (m^2 + d^2), m being where the
+// place lies along and d how far off it is across. But for x^2, which all share, that is a straight line in x,
+// which falls the faster the higher j is. So the places that are nearest anywhere form the lower envelope of
+// straight lines, in their order, and the boundary of two that follow each other in it is their bisector. Where the
+// bisectors of neighbouring places come in order, all of them are in the envelope. One whose bisectors come the
+// wrong way round is not; nor is one that then lies above those beside the gap.
+
+#include "effect/raster/stroke_candidates.hpp"
+#include "effect/raster/stroke_tile.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace
+{
+class row_cells
+{
+public:
+    static constexpr float kMostLeaning = 700.0f; // pixels: what a bisector may move along from between its places
+
+    // Room for a row of `size` pixels. False where `memory` is short.
+    bool take(const stroke_candidates& places, int size, scratch_memory& memory) noexcept
+    {
+        words_ = places.count / 64 + 1;
+        room_ = size + 2 * kLanes;
+        leaning_ = memory.take<float>(places.count + stroke_candidates::kPadding);
+        nearest_ = memory.take<std::int32_t>(room_ + kLanes);
+        dropped_ = memory.take<std::uint64_t>(words_);
+        unsure_ = memory.take<std::uint64_t>(words_);
+        absent_ = memory.take<std::uint64_t>(words_);
+        return leaning_ != nullptr && nearest_ != nullptr && dropped_ != nullptr && unsure_ != nullptr &&
+               absent_ != nullptr;
+    }
+
+    // Finds the cells. slope[j] is (cross[j] - cross[j - 1]) / (main[j] - main[j - 1]).
+    void find(const stroke_candidates& places, const float* slope, int row) noexcept
+    {
+        places_ = &places;
+        center_ = static_cast<float>(row) + 0.5f;
+        std::fill_n(dropped_, words_, std::uint64_t{0});
+        std::fill_n(unsure_, words_, std::uint64_t{0});
+        std::fill_n(absent_, words_, std::uint64_t{0});
+        std::fill_n(nearest_, room_, 0); // which none is below
+        lean(slope);
+        if (judge())
+            close_gaps();
+        lay();
+    }
+
+    // The place nearest to the pixel at this main position, from eight before the canvas's first to seven behind its
+    // last; or the one beside it, where the pixel's centre is within kOwnRounding of their boundary.
+    int at(int main_at) const noexcept { return nearest_[main_at + kLanes]; }
+    int_lanes lanes_at(int main_at) const noexcept
+    {
+        return load_lanes<int_lanes>(nearest_ + main_at + kLanes);
+    }
+
+    // Whether this place is sure to be the nearest one somewhere in the row.
+    bool has(int place) const noexcept { return !bit(unsure_, place); }
+
+    // Whether it is sure to be the nearest one nowhere in the row, however distances are rounded that are no larger
+    // than a bisector's doubt allows: its bisectors are kClearly and more the wrong way round.
+    bool lacks(int place) const noexcept { return bit(absent_, place); }
+
+private:
+    static constexpr float kSurelyWide = 4e-3f; // pixels: a cell that seems so wide is one
+    static constexpr float kSurelyNone = -2e-3f;
+    static constexpr double kClearly = 0.2;
+
+    static bool bit(const std::uint64_t* words, int number) noexcept
+    {
+        return (words[number / 64] >> static_cast<unsigned>(number % 64) & 1U) != 0;
+    }
+    static void set(std::uint64_t* words, int number) noexcept
+    {
+        words[number / 64] |= std::uint64_t{1} << static_cast<unsigned>(number % 64);
+    }
+
+    // How far along each bisector is off the middle of its two places.
+    void lean(const float* slope) noexcept
+    {
+        for (int j = 1; j < places_->count; j += kLanes)
+        {
+            const auto cross = load_lanes<float_lanes>(places_->cross + j);
+            const auto before = load_lanes<float_lanes>(places_->cross + j - 1);
+            store_lanes(leaning_ + j, load_lanes<float_lanes>(slope + j) *
+                                          (0.5f * ((cross - center_) + (before - center_))));
+        }
+    }
+
+    // Takes out the places that have no cell between their neighbours'. False where that is none.
+    bool judge() noexcept
+    {
+        bool gaps = false;
+        const int inner = places_->count - 1;
+        for (int j = 1; j < inner; j += kLanes)
+        {
+            const auto main = load_lanes<float_lanes>(places_->main + j);
+            const auto before = load_lanes<float_lanes>(leaning_ + j);
+            const auto behind = load_lanes<float_lanes>(leaning_ + j + 1);
+            const float_lanes width = 0.5f * ((load_lanes<float_lanes>(places_->main + j + 1) - main) +
+                                              (main - load_lanes<float_lanes>(places_->main + j - 1))) +
+                                      (behind - before);
+            const int_lanes exact = (magnitude(before) <= kMostLeaning) & (magnitude(behind) <= kMostLeaning);
+            const unsigned doubtful =
+                lane_bits(((exact & (width >= kSurelyWide)) == 0) & (kLaneNumbers < inner - j));
+            if (doubtful == 0)
+                continue;
+            const unsigned none = lane_bits(exact & (width <= kSurelyNone));
+            const unsigned clearly = lane_bits(exact & (width <= static_cast<float>(-2.0 * kClearly)));
+            for (unsigned left = doubtful; left != 0; left &= left - 1)
+            {
+                const int lane = std::countr_zero(left);
+                const unsigned lane_bit = 1U << static_cast<unsigned>(lane);
+                set(unsure_, j + lane);
+                if ((none & lane_bit) == 0 &&
+                    boundary(j + lane - 1, j + lane) < boundary(j + lane, j + lane + 1))
+                    continue;
+                set(dropped_, j + lane);
+                if ((clearly & lane_bit) != 0)
+                    set(absent_, j + lane);
+                gaps = true;
+            }
+        }
+        return gaps;
+    }
+
+    // Where the bisector of places i < j crosses the row.
+    double boundary(int i, int j) const noexcept
+    {
+        const auto main_i = static_cast<double>(places_->main[i]);
+        const auto main_j = static_cast<double>(places_->main[j]);
+        const auto cross_i = static_cast<double>(places_->cross[i]);
+        const auto cross_j = static_cast<double>(places_->cross[j]);
+        return 0.5 * (main_i + main_j) +
+               (cross_j - cross_i) / (main_j - main_i) *
+                   (0.5 * (cross_i + cross_j) - static_cast<double>(center_));
+    }
+
+    int before(int j) const noexcept
+    {
+        do
+            --j;
+        while (bit(dropped_, j));
+        return j;
+    }
+    int behind(int j) const noexcept
+    {
+        do
+            ++j;
+        while (bit(dropped_, j));
+        return j;
+    }
+
+    // Takes out what lies above the envelope beside the gaps; the outer places stay, which are in it far out.
+    void close_gaps() noexcept
+    {
+        const int last = places_->count - 1;
+        for (int j = 1; j < last;)
+        {
+            if (dropped_[j / 64] >> static_cast<unsigned>(j % 64) == 0)
+                j = j / 64 * 64 + 64;
+            else if (!bit(dropped_, j))
+                ++j;
+            else
+                j = close_gap(before(j), behind(j));
+        }
+    }
+
+    // The same for the gap between places l and r. Answers the place behind it.
+    int close_gap(int l, int r) noexcept
+    {
+        const int last = places_->count - 1;
+        for (;;)
+        {
+            const double between = boundary(l, r);
+            const double past_l = l > 0 ? boundary(before(l), l) - between : -1.0;
+            const double past_r = r < last ? between - boundary(r, behind(r)) : -1.0;
+            if (past_l >= 0.0)
+            {
+                drop(l, past_l);
+                l = before(l);
+            }
+            else if (past_r >= 0.0)
+            {
+                drop(r, past_r);
+                r = behind(r);
+            }
+            else
+            {
+                set(unsure_, l);
+                set(unsure_, r);
+                return r;
+            }
+        }
+    }
+
+    void drop(int j, double past) noexcept
+    {
+        set(dropped_, j);
+        set(unsure_, j);
+        if (past >= kClearly)
+            set(absent_, j);
+    }
+
+    // Whether any of place j - 1 and the eight from j on was taken out.
+    bool gaps_beside(int j) const noexcept
+    {
+        const int first = j - 1;
+        const std::uint64_t low = dropped_[first / 64] >> static_cast<unsigned>(first % 64);
+        return (low & 0x1ff) != 0 || (first % 64 > 64 - 9 && first / 64 + 1 < words_ && dropped_[first / 64 + 1] != 0);
+    }
+
+    void lay_beside_gap(int j, std::int32_t pixel) noexcept
+    {
+        if (bit(dropped_, j))
+            return;
+        if (bit(dropped_, j - 1))
+        {
+            const double from = std::ceil(boundary(before(j), j) - 0.5) + static_cast<double>(kLanes);
+            pixel = trunc_i32_fitting(static_cast<float>(std::clamp(from, 0.0, static_cast<double>(room_))));
+        }
+        nearest_[pixel] = j;
+    }
+
+    // Lays the places down along the row's pixels, each from the first pixel behind its boundary on.
+    void lay() noexcept
+    {
+        const auto most = static_cast<float>(room_);
+        for (int j = 1; j < places_->count; j += kLanes)
+        {
+            const auto origin = static_cast<float>(trunc_i32_fitting(places_->main[j]));
+            const auto main = load_lanes<float_lanes>(places_->main + j);
+            const auto before = load_lanes<float_lanes>(places_->main + j - 1);
+            const float_lanes from =
+                0.5f * ((main - origin) + (before - origin)) + load_lanes<float_lanes>(leaning_ + j) - 0.5f;
+            // Held to the row before anything is added that could round.
+            const float base = origin + static_cast<float>(kLanes);
+            const float_lanes held = lower_of(higher_of(from, all_lanes(-base)), all_lanes(most - base));
+            const int_lanes toward_zero = whole(held);
+            const int_lanes pixel = toward_zero - (__builtin_convertvector(toward_zero, float_lanes) < held) +
+                                    static_cast<std::int32_t>(base);
+            std::int32_t pixels[kLanes];
+            store_lanes(pixels, pixel);
+            const int count = std::min(kLanes, places_->count - j);
+            if (gaps_beside(j))
+                for (int i = 0; i < count; ++i)
+                    lay_beside_gap(j + i, pixels[i]);
+            else
+                for (int i = 0; i < count; ++i)
+                    nearest_[pixels[i]] = j + i;
+        }
+        int_lanes carried = all_lanes(0);
+        for (int i = 0; i < room_; i += kLanes)
+        {
+            constexpr int_lanes none = {};
+            auto v = load_lanes<int_lanes>(nearest_ + i);
+            v = higher_of(v, __builtin_shufflevector(v, none, 8, 0, 1, 2, 3, 4, 5, 6));
+            v = higher_of(v, __builtin_shufflevector(v, none, 8, 9, 0, 1, 2, 3, 4, 5));
+            v = higher_of(v, __builtin_shufflevector(v, none, 8, 9, 10, 11, 0, 1, 2, 3));
+            v = higher_of(v, carried);
+            carried = __builtin_shufflevector(v, v, 7, 7, 7, 7, 7, 7, 7, 7);
+            store_lanes(nearest_ + i, v);
+        }
+    }
+
+    const stroke_candidates* places_ = nullptr;
+    int words_ = 0;
+    int room_ = 0;
+    float center_ = 0.0f;
+    float* leaning_ = nullptr;
+    std::int32_t* nearest_ = nullptr;
+    std::uint64_t* dropped_ = nullptr; // places that have no cell
+    std::uint64_t* unsure_ = nullptr;  // those, and others that may have none
+    std::uint64_t* absent_ = nullptr;  // those that clearly have none
+};
+} // namespace
