@@ -44,27 +44,23 @@ public:
     bool take(scratch_memory& memory) noexcept
     {
         const int room = places_.count + stroke_candidates::kPadding;
-        slope_ = memory.take<float>(room);
+        slope_ = slopes_of(places_, memory);
         inverse_ = memory.take<float>(room);
         change_ = memory.take<std::uint32_t>(room);
         if (slope_ == nullptr || inverse_ == nullptr || change_ == nullptr)
             return false;
-        slope_[0] = 0.0f;
         for (int j = 1; j < places_.count; j += kLanes)
         {
-            const float_lanes slope =
-                (load_lanes<float_lanes>(places_.cross + j) - load_lanes<float_lanes>(places_.cross + j - 1)) /
-                (load_lanes<float_lanes>(places_.main + j) - load_lanes<float_lanes>(places_.main + j - 1));
+            const auto slope = load_lanes<float_lanes>(slope_ + j);
             const float_lanes inverse = 1.0f / slope;
-            store_lanes(slope_ + j, slope);
             store_lanes(inverse_ + j, magnitude(slope) > kSteady ? -inverse : all_lanes(1.0f / kSteady));
         }
         for (int j = 1; j < places_.count; ++j)
-            change_[j] = static_cast<std::uint32_t>(places_.color[j]) - static_cast<std::uint32_t>(places_.color[j - 1]);
+            change_[j] =
+                static_cast<std::uint32_t>(places_.color[j]) - static_cast<std::uint32_t>(places_.color[j - 1]);
         return true;
     }
 
-    // For each place but the first, what it lies across from the one before it by what it lies along.
     const float* slopes() const noexcept { return slope_; }
 
     // Whether the block of main positions `at` to `at` + 7 and `height` rows from `row` on can be told: `above`
@@ -237,7 +233,8 @@ private:
         {
             const int i = j - low_;
             const float_lanes width = load_lanes<float_lanes>(left_ + i + 1) - load_lanes<float_lanes>(left_ + i);
-            const float_lanes growth = load_lanes<float_lanes>(slope_ + j) - load_lanes<float_lanes>(slope_ + j + 1);
+            const float_lanes growth =
+                load_lanes<float_lanes>(slope_ + j) - load_lanes<float_lanes>(slope_ + j + 1);
             const int_lanes enough = (width >= wide) & (width + growth * height >= wide);
             narrow |= (enough == 0) & (kLaneNumbers < high_ - j);
         }
@@ -322,8 +319,8 @@ private:
 
     const stroke_candidates& places_;
     float* slope_ = nullptr;
-    float* inverse_ = nullptr;          // rows that a boundary takes to move a pixel
-    std::uint32_t* change_ = nullptr;   // of the colour's bytes from the place before
+    float* inverse_ = nullptr;        // rows that a boundary takes to move a pixel
+    std::uint32_t* change_ = nullptr; // of the colour's bytes from the place before
     int at_ = 0;
     int row_ = 0;
     int height_ = 0;

@@ -11,6 +11,7 @@
 #include "effect/raster/sample_search.hpp"
 #include "effect/raster/stroke_blocks.hpp"
 #include "effect/raster/stroke_canvas.hpp"
+#include "effect/raster/stroke_rims.hpp"
 #include "effect/raster/stroke_windows.hpp"
 #include "effect/raster/swept_region.hpp"
 
@@ -156,6 +157,16 @@ private:
         const covered_rows covered(creator_, places, windows_, canvas_.across);
         if (Multicolor && reach.distance > kThin && draw_blocks(covered, places, reach, memory))
             return;
+        stroke_rims rims(creator_, places, canvas_, windows_);
+        if (!Multicolor && rims.make_room(memory))
+        {
+            rims.draw(
+                outer_, core_, plane_,
+                [&](const lane_pixels& t, int_lanes rows, unsigned needed, nearest_lanes near, int_lanes* color) {
+                    return shaded(places, t, rows, needed & lane_bits(near.squared < reach.squared), near, color);
+                });
+            rims_ = &rims;
+        }
         for (int at = begin_ - begin_ % kPanel; at < end_; at += kPanel)
             draw_panel(
                 at,
@@ -182,7 +193,7 @@ private:
                 const float_lanes dc = static_cast<float>(row) + 0.5f - gather(places.cross, place);
                 nearest_lanes near = {place, dm * dm + dc * dc};
                 const unsigned rim = needed & ~sure & lane_bits(near.squared < reach.squared);
-                return (needed & sure) | shaded(places, t, row, rim, near, color);
+                return (needed & sure) | shaded(places, t, all_lanes(row), rim, near, color);
             },
             [&](nearest_place& nearest, stroke_tile& t, int row, unsigned needed)
             { return decide(nearest, places, t, row, needed); });
@@ -230,6 +241,8 @@ private:
         for (int first = 0; first < p.count; first += kLanes)
         {
             stroke_tile& t = *std::construct_at(&p.tile(first / kLanes), tile_at(at + first));
+            if (rims_ != nullptr && rims_->done(t.at / kLanes))
+                continue;
             const row_lanes covered = enter(t);
             for (int i = 0; i < t.count; ++i)
                 add_column(p, t, i, {covered.first[i], covered.last[i]}, swept, solid);
@@ -313,21 +326,22 @@ private:
         if (needed == 0)
             return 0;
         int_lanes color;
-        const unsigned written = shaded(places, t, row, needed, near, &color);
+        const unsigned written = shaded(places, t, all_lanes(row), needed, near, &color);
         canvas_.store(t.at, row, written, color);
         return written;
     }
 
-    // The colours of lanes with these nearest places, and which of them are to be written.
-    unsigned shaded(const stroke_candidates& places, const lane_pixels& t, int row, unsigned needed,
+    // The colours of lanes in these rows with these nearest places, and which of them are to be written.
+    unsigned shaded(const stroke_candidates& places, const lane_pixels& t, int_lanes rows, unsigned needed,
                     nearest_lanes& near, int_lanes* color) const noexcept
     {
         for (unsigned left = needed & doubtful(places, t, near); left != 0; left &= left - 1)
-            needed = recount(places, t, row, std::countr_zero(left), needed, near);
+            needed = recount(places, t, rows[std::countr_zero(left)], std::countr_zero(left), needed, near);
         const int_lanes place = higher_of(near.place, all_lanes(0));
         const float_lanes radius = places.one_radius ? all_lanes(places.radius[0]) : gather(places.radius, place);
-        const float_lanes offset = along_y_ ? t.centers - gather(places.main, place)
-                                            : static_cast<float>(row) + 0.5f - gather(places.cross, place);
+        const float_lanes offset =
+            along_y_ ? t.centers - gather(places.main, place)
+                     : __builtin_convertvector(rows, float_lanes) + 0.5f - gather(places.cross, place);
         if constexpr (Multicolor)
             *color = gather(places.color, place);
         else
@@ -381,7 +395,8 @@ private:
     int end_ = 0;
     swept_region outer_{};
     swept_region core_{};
-    swept_plane plane_; // the swept pixels one by one, where the runs have holes
+    swept_plane plane_;                 // the swept pixels one by one, where the runs have holes
+    const stroke_rims* rims_ = nullptr; // what was drawn along its rims
     std::uint64_t* swept_toggles_ = nullptr;
     std::uint64_t* solid_toggles_ = nullptr;
 };

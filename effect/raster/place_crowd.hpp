@@ -2,6 +2,7 @@
 // A few of a stroke's places, and which of them pixels are nearest to: for blocks where places lose their cells,
 // as they do along the middle of what a bend encloses. Internal to the file that includes it, as lanes are.
 
+#include "effect/raster/nearest_place.hpp"
 #include "effect/raster/stroke_candidates.hpp"
 #include "effect/raster/stroke_tile.hpp"
 
@@ -37,11 +38,37 @@ public:
             const float_lanes dc = center - load_lanes<float_lanes>(cross_ + i);
             store_lanes(across_squared_ + i, dc * dc);
         }
-        const auto squared = [&](int i)
-        {
-            const float_lanes dm = t.centers - main_[i];
-            return dm * dm + across_squared_[i];
-        };
+        return number_of(nearest(
+                             [&](int i)
+                             {
+                                 const float_lanes dm = t.centers - main_[i];
+                                 return dm * dm + across_squared_[i];
+                             })
+                             .place);
+    }
+
+    // The same of pixels that are each in their own row, with their squared distances.
+    nearest_lanes nearest(const lane_pixels& t, int_lanes rows) const noexcept
+    {
+        const float_lanes center = __builtin_convertvector(rows, float_lanes) + 0.5f;
+        nearest_lanes near = nearest(
+            [&](int i)
+            {
+                const float_lanes dm = t.centers - main_[i];
+                const float_lanes dc = center - cross_[i];
+                return dm * dm + dc * dc;
+            });
+        near.place = number_of(near.place);
+        return near;
+    }
+
+private:
+    int_lanes number_of(int_lanes of_these) const noexcept { return gather(number_, of_these); }
+
+    // Which of these is nearest, by what squared(number) answers.
+    template <class Squared>
+    nearest_lanes nearest(Squared squared) const noexcept
+    {
         // Two runs of them at a time, since the comparisons of one wait for each other.
         const int half = count_ / 2;
         float_lanes best = squared(0);
@@ -59,10 +86,10 @@ public:
             best = lower_of(q, best);
             best_behind = lower_of(q_behind, best_behind);
         }
-        return gather(number_, best_behind < best ? found_behind + half : found);
+        const int_lanes behind = best_behind < best;
+        return {behind ? found_behind + half : found, lower_of(best_behind, best)};
     }
 
-private:
     static constexpr int kMost = 256;
 
     const stroke_candidates& places_;

@@ -1,13 +1,13 @@
 #pragma once
-// Which of a stroke's places the pixels of one row across are nearest to. Internal to the file that includes it, as
-// lanes are.
+// Which of a stroke's places the pixels of one row across are nearest to. Internal to the file that includes it,
+// as lanes are.
 //
 // From a row of pixels' centres the squared distance to place j is x^2 - 2 m x + (m^2 + d^2), m being where the
 // place lies along and d how far off it is across. But for x^2, which all share, that is a straight line in x,
 // which falls the faster the higher j is. So the places that are nearest anywhere form the lower envelope of
-// straight lines, in their order, and the boundary of two that follow each other in it is their bisector. Where the
-// bisectors of neighbouring places come in order, all of them are in the envelope. One whose bisectors come the
-// wrong way round is not; nor is one that then lies above those beside the gap.
+// straight lines, in their order, and the boundary of two that follow each other in it is their bisector. Where
+// the bisectors of neighbouring places come in order, all of them are in the envelope. One whose bisectors come
+// the wrong way round is not; nor is one that then lies above those beside the gap.
 
 #include "effect/raster/stroke_candidates.hpp"
 #include "effect/raster/stroke_tile.hpp"
@@ -19,16 +19,40 @@
 
 namespace
 {
+// For each place but the first, what it lies across from the one before it by what it lies along.
+inline float* slopes_of(const stroke_candidates& places, scratch_memory& memory) noexcept
+{
+    auto* const slopes = memory.take<float>(places.count + stroke_candidates::kPadding);
+    if (slopes == nullptr)
+        return nullptr;
+    slopes[0] = 0.0f;
+    for (int j = 1; j < places.count; j += kLanes)
+        store_lanes(slopes + j,
+                    (load_lanes<float_lanes>(places.cross + j) - load_lanes<float_lanes>(places.cross + j - 1)) /
+                        (load_lanes<float_lanes>(places.main + j) - load_lanes<float_lanes>(places.main + j - 1)));
+    return slopes;
+}
+
 class row_cells
 {
 public:
     static constexpr float kMostLeaning = 700.0f; // pixels: what a bisector may move along from between its places
+    static constexpr float kSurelyWide = 4e-3f;   // pixels: a cell that seems so wide is one
+
+    // How places are asked for: of each pixel, or of the one before each tile of eight.
+    enum class detail
+    {
+        pixels,
+        tiles,
+    };
 
     // Room for a row of `size` pixels. False where `memory` is short.
-    bool take(const stroke_candidates& places, int size, scratch_memory& memory) noexcept
+    bool take(const stroke_candidates& places, int size, detail asked, scratch_memory& memory) noexcept
     {
         words_ = places.count / 64 + 1;
-        room_ = size + 2 * kLanes;
+        shift_ = asked == detail::pixels ? 0U : kTileBits;
+        most_ = size + 2 * kLanes;
+        room_ = (most_ >> shift_) + 1;
         leaning_ = memory.take<float>(places.count + stroke_candidates::kPadding);
         nearest_ = memory.take<std::int32_t>(room_ + kLanes);
         dropped_ = memory.take<std::uint64_t>(words_);
@@ -38,38 +62,57 @@ public:
                absent_ != nullptr;
     }
 
-    // Finds the cells. slope[j] is (cross[j] - cross[j - 1]) / (main[j] - main[j - 1]).
-    void find(const stroke_candidates& places, const float* slope, int row) noexcept
+    // Finds the cells. `slope`: see slopes_of. Those that are not `wide`, pixels, count as none that are sure.
+    void find(const stroke_candidates& places, const float* slope, int row, float wide = kSurelyWide) noexcept
     {
         places_ = &places;
+        wide_ = std::max(wide, kSurelyWide);
         center_ = static_cast<float>(row) + 0.5f;
         std::fill_n(dropped_, words_, std::uint64_t{0});
         std::fill_n(unsure_, words_, std::uint64_t{0});
         std::fill_n(absent_, words_, std::uint64_t{0});
-        std::fill_n(nearest_, room_, 0); // which none is below
         lean(slope);
         if (judge())
             close_gaps();
         lay();
     }
 
-    // The place nearest to the pixel at this main position, from eight before the canvas's first to seven behind its
-    // last; or the one beside it, where the pixel's centre is within kOwnRounding of their boundary.
+    // The place nearest to the pixel at this main position, from eight before the canvas's first to seven behind
+    // its last; or the one beside it, where the pixel's centre is within kOwnRounding of their boundary.
     int at(int main_at) const noexcept { return nearest_[main_at + kLanes]; }
-    int_lanes lanes_at(int main_at) const noexcept
-    {
-        return load_lanes<int_lanes>(nearest_ + main_at + kLanes);
-    }
+    // The same of the pixel before that tile, up to the second behind the canvas's last.
+    int before_tile(int tile) const noexcept { return nearest_[tile]; }
+    int_lanes lanes_at(int main_at) const noexcept { return load_lanes<int_lanes>(nearest_ + main_at + kLanes); }
 
     // Whether this place is sure to be the nearest one somewhere in the row.
     bool has(int place) const noexcept { return !bit(unsure_, place); }
 
-    // Whether it is sure to be the nearest one nowhere in the row, however distances are rounded that are no larger
-    // than a bisector's doubt allows: its bisectors are kClearly and more the wrong way round.
+    // Whether all places from `first` to `last` are.
+    bool has_all(int first, int last) const noexcept
+    {
+        for (int word = first / 64; word <= last / 64; ++word)
+        {
+            std::uint64_t asked = ~std::uint64_t{0};
+            if (word == first / 64)
+                asked &= ~std::uint64_t{0} << static_cast<unsigned>(first % 64);
+            if (word == last / 64)
+                asked &= ~std::uint64_t{0} >> static_cast<unsigned>(63 - last % 64);
+            if ((unsure_[word] & asked) != 0)
+                return false;
+        }
+        return true;
+    }
+
+    // Whether it is sure to be the nearest one nowhere in the row, however distances are rounded that are no
+    // larger than a bisector's doubt allows: its bisectors are kClearly and more the wrong way round.
     bool lacks(int place) const noexcept { return bit(absent_, place); }
 
+    // Bit i of word n: that it is not sure of place 64 n + i, or lacks it.
+    std::uint64_t unsure(int word) const noexcept { return unsure_[word]; }
+    std::uint64_t lacking(int word) const noexcept { return absent_[word]; }
+
 private:
-    static constexpr float kSurelyWide = 4e-3f; // pixels: a cell that seems so wide is one
+    static constexpr unsigned kTileBits = std::countr_zero(static_cast<unsigned>(kLanes));
     static constexpr float kSurelyNone = -2e-3f;
     static constexpr double kClearly = 0.2;
 
@@ -89,9 +132,19 @@ private:
         {
             const auto cross = load_lanes<float_lanes>(places_->cross + j);
             const auto before = load_lanes<float_lanes>(places_->cross + j - 1);
-            store_lanes(leaning_ + j, load_lanes<float_lanes>(slope + j) *
-                                          (0.5f * ((cross - center_) + (before - center_))));
+            store_lanes(leaning_ + j,
+                        load_lanes<float_lanes>(slope + j) * (0.5f * ((cross - center_) + (before - center_))));
         }
+    }
+
+    // Half of the way from the place before each of eight to the one behind it.
+    float_lanes between_neighbours(int j) const noexcept
+    {
+        if (places_->regular)
+            return all_lanes(1.0f / places_->per_pixel);
+        const auto main = load_lanes<float_lanes>(places_->main + j);
+        return 0.5f * ((load_lanes<float_lanes>(places_->main + j + 1) - main) +
+                       (main - load_lanes<float_lanes>(places_->main + j - 1)));
     }
 
     // Takes out the places that have no cell between their neighbours'. False where that is none.
@@ -101,15 +154,11 @@ private:
         const int inner = places_->count - 1;
         for (int j = 1; j < inner; j += kLanes)
         {
-            const auto main = load_lanes<float_lanes>(places_->main + j);
             const auto before = load_lanes<float_lanes>(leaning_ + j);
             const auto behind = load_lanes<float_lanes>(leaning_ + j + 1);
-            const float_lanes width = 0.5f * ((load_lanes<float_lanes>(places_->main + j + 1) - main) +
-                                              (main - load_lanes<float_lanes>(places_->main + j - 1))) +
-                                      (behind - before);
+            const float_lanes width = between_neighbours(j) + (behind - before);
             const int_lanes exact = (magnitude(before) <= kMostLeaning) & (magnitude(behind) <= kMostLeaning);
-            const unsigned doubtful =
-                lane_bits(((exact & (width >= kSurelyWide)) == 0) & (kLaneNumbers < inner - j));
+            const unsigned doubtful = lane_bits(((exact & (width >= wide_)) == 0) & (kLaneNumbers < inner - j));
             if (doubtful == 0)
                 continue;
             const unsigned none = lane_bits(exact & (width <= kSurelyNone));
@@ -119,8 +168,7 @@ private:
                 const int lane = std::countr_zero(left);
                 const unsigned lane_bit = 1U << static_cast<unsigned>(lane);
                 set(unsure_, j + lane);
-                if ((none & lane_bit) == 0 &&
-                    boundary(j + lane - 1, j + lane) < boundary(j + lane, j + lane + 1))
+                if ((none & lane_bit) == 0 && boundary(j + lane - 1, j + lane) < boundary(j + lane, j + lane + 1))
                     continue;
                 set(dropped_, j + lane);
                 if ((clearly & lane_bit) != 0)
@@ -138,9 +186,8 @@ private:
         const auto main_j = static_cast<double>(places_->main[j]);
         const auto cross_i = static_cast<double>(places_->cross[i]);
         const auto cross_j = static_cast<double>(places_->cross[j]);
-        return 0.5 * (main_i + main_j) +
-               (cross_j - cross_i) / (main_j - main_i) *
-                   (0.5 * (cross_i + cross_j) - static_cast<double>(center_));
+        return 0.5 * (main_i + main_j) + (cross_j - cross_i) / (main_j - main_i) *
+                                             (0.5 * (cross_i + cross_j) - static_cast<double>(center_));
     }
 
     int before(int j) const noexcept
@@ -214,7 +261,8 @@ private:
     {
         const int first = j - 1;
         const std::uint64_t low = dropped_[first / 64] >> static_cast<unsigned>(first % 64);
-        return (low & 0x1ff) != 0 || (first % 64 > 64 - 9 && first / 64 + 1 < words_ && dropped_[first / 64 + 1] != 0);
+        return (low & 0x1ff) != 0 ||
+               (first % 64 > 64 - 9 && first / 64 + 1 < words_ && dropped_[first / 64 + 1] != 0);
     }
 
     void lay_beside_gap(int j, std::int32_t pixel) noexcept
@@ -224,15 +272,20 @@ private:
         if (bit(dropped_, j - 1))
         {
             const double from = std::ceil(boundary(before(j), j) - 0.5) + static_cast<double>(kLanes);
-            pixel = trunc_i32_fitting(static_cast<float>(std::clamp(from, 0.0, static_cast<double>(room_))));
+            pixel = trunc_i32_fitting(static_cast<float>(std::clamp(from, 0.0, static_cast<double>(most_))));
         }
-        nearest_[pixel] = j;
+        nearest_[slot(pixel)] = j;
     }
+
+    // Where pixels, counted from eight before the canvas's first, have their places: a tile's slot takes the last
+    // one that begins up to the pixel before it.
+    std::int32_t slot(std::int32_t pixel) const noexcept { return pixel >> shift_; }
 
     // Lays the places down along the row's pixels, each from the first pixel behind its boundary on.
     void lay() noexcept
     {
-        const auto most = static_cast<float>(room_);
+        std::fill_n(nearest_, room_, 0); // which none is below
+        const auto most = static_cast<float>(most_);
         for (int j = 1; j < places_->count; j += kLanes)
         {
             const auto origin = static_cast<float>(trunc_i32_fitting(places_->main[j]));
@@ -247,14 +300,17 @@ private:
             const int_lanes pixel = toward_zero - (__builtin_convertvector(toward_zero, float_lanes) < held) +
                                     static_cast<std::int32_t>(base);
             std::int32_t pixels[kLanes];
-            store_lanes(pixels, pixel);
             const int count = std::min(kLanes, places_->count - j);
             if (gaps_beside(j))
+            {
+                store_lanes(pixels, pixel);
                 for (int i = 0; i < count; ++i)
                     lay_beside_gap(j + i, pixels[i]);
-            else
-                for (int i = 0; i < count; ++i)
-                    nearest_[pixels[i]] = j + i;
+                continue;
+            }
+            store_lanes(pixels, pixel >> static_cast<std::int32_t>(shift_));
+            for (int i = 0; i < count; ++i)
+                nearest_[pixels[i]] = j + i;
         }
         int_lanes carried = all_lanes(0);
         for (int i = 0; i < room_; i += kLanes)
@@ -272,8 +328,11 @@ private:
 
     const stroke_candidates* places_ = nullptr;
     int words_ = 0;
-    int room_ = 0;
+    unsigned shift_ = 0; // makes pixels slots
+    int most_ = 0;       // pixels
+    int room_ = 0;       // slots
     float center_ = 0.0f;
+    float wide_ = 0.0f;
     float* leaning_ = nullptr;
     std::int32_t* nearest_ = nullptr;
     std::uint64_t* dropped_ = nullptr; // places that have no cell

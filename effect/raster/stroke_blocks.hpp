@@ -38,8 +38,9 @@ public:
         last_ = swept_last;
         tiles_ = (canvas_.size + kLanes - 1) / kLanes;
         rows_ = memory.take<span>(tiles_);
-        if (rows_ == nullptr || !steps_.take(memory) || !edges_[0].take(places_, canvas_.size, memory) ||
-            !edges_[1].take(places_, canvas_.size, memory))
+        if (rows_ == nullptr || !steps_.take(memory) ||
+            !edges_[0].take(places_, canvas_.size, row_cells::detail::pixels, memory) ||
+            !edges_[1].take(places_, canvas_.size, row_cells::detail::pixels, memory))
             return false;
         nearest_place ahead(places_, reach_, canvas_.across);
         for (int tile = 0; tile < tiles_; ++tile)

@@ -35,6 +35,14 @@ public:
     }
 
     int tile_across(int cross_at) const noexcept { return tile_of_cross_[cross_at]; }
+    // The rows of such a tile.
+    span tile_rows(int tile) const noexcept
+    {
+        const int rows = along_y_ ? creator_.context->tileWidth : creator_.context->tileHeight;
+        if (rows <= 0)
+            return {0, across - 1};
+        return {tile * rows, tile < aeg::kTiles - 1 ? tile * rows + rows - 1 : across - 1};
+    }
 
     PF_Pixel* pixel(int main_at, int cross_at) const noexcept
     {
@@ -54,6 +62,16 @@ public:
         {
             const int lane = std::countr_zero(left);
             *pixel(main_at + lane, cross_at) = std::bit_cast<PF_Pixel>(static_cast<std::int32_t>(colors[lane]));
+        }
+    }
+
+    // The lanes of `bits`, each in its own row.
+    void store_each(int main_at, int_lanes rows, unsigned bits, int_lanes colors) const noexcept
+    {
+        for (unsigned left = bits; left != 0; left &= left - 1)
+        {
+            const int lane = std::countr_zero(left);
+            *pixel(main_at + lane, rows[lane]) = std::bit_cast<PF_Pixel>(static_cast<std::int32_t>(colors[lane]));
         }
     }
 
@@ -106,12 +124,20 @@ public:
     // Marks the tiles, in row `tile_across` of them, that the panel's positions of `mask` lie in.
     void mark(int main_at, int tile_across, std::uint64_t mask) const noexcept
     {
+        if (mask == 0)
+            return;
+        const int low = tile_of_main_[main_at + std::countr_zero(mask)];
+        const int high = tile_of_main_[main_at + 63 - std::countl_zero(mask)];
+        if (low == high)
+        {
+            mark_tile(low, tile_across);
+            return;
+        }
         while (mask != 0)
         {
             const int first = std::countr_zero(mask);
             const int tile = tile_of_main_[main_at + first];
-            creator_.context
-                ->tileDirty[along_y_ ? tile_across * aeg::kTiles + tile : tile * aeg::kTiles + tile_across] = 1;
+            mark_tile(tile, tile_across);
             // Whatever else lies in the same tile.
             int next = first + 1;
             while (next < 64 && main_at + next < size && tile_of_main_[main_at + next] == tile)
@@ -122,7 +148,19 @@ public:
         }
     }
 
+    // A run of main positions in one row.
+    void fill_along(span positions, int cross_at, PF_Pixel color) const noexcept
+    {
+        fill_run(pixel(positions.first, cross_at), positions.last - positions.first + 1, color);
+    }
+
 private:
+    void mark_tile(int tile_along, int tile_across) const noexcept
+    {
+        creator_.context->tileDirty[along_y_ ? tile_across * aeg::kTiles + tile_along
+                                             : tile_along * aeg::kTiles + tile_across] = 1;
+    }
+
     static void fill_run(PF_Pixel* to, int count, PF_Pixel color) noexcept
     {
         const int_lanes colors = all_lanes(std::bit_cast<std::int32_t>(color));

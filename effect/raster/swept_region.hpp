@@ -71,33 +71,103 @@ private:
             });
         // The boxes that enter new places first, then the strips beside them: in the order of the walk a strip can
         // come before the box that it lies on.
+        move_batch entered;
+        move_batch widened;
+        const auto enter_all = [&]
+        { each([&](sized_region s) { s.region->enter(entered, s.radius, size, across); }); };
+        const auto widen_all = [&]
+        { each([&](sized_region s) { s.region->widen(widened, s.radius, size, across); }); };
         const auto enter = [&](float from, float d, const StrokePoint& p)
         {
-            each(
-                [&](sized_region s) {
-                    s.region->add(uncovered(from, d, s.radius, size).pixels(size),
-                                  box(cross_of(p), s.radius, across));
-                });
+            if (entered.add(from, d, cross_of(p)))
+                enter_all();
         };
         const auto widen = [&](float from, float d, const StrokePoint& p)
         {
-            each(
-                [&](sized_region s) {
-                    s.region->add(box(main_of(p), s.radius, size),
-                                  uncovered(from, d, s.radius, across).pixels(across));
-                });
+            if (widened.add(from, d, main_of(p)))
+                widen_all();
         };
         const auto nothing = [](float, float, const StrokePoint&) {};
         if (along_y)
         {
             walk_moves(creator, nothing, enter);
+            enter_all();
             walk_moves(creator, widen, nothing);
         }
         else
         {
             walk_moves(creator, enter, nothing);
+            enter_all();
             walk_moves(creator, nothing, widen);
         }
+        widen_all();
+    }
+
+    // Moves along one axis to samples that lie at `to` on the other one.
+    struct move_batch
+    {
+        int count = 0;
+        float from[kLanes] = {};
+        float d[kLanes] = {};
+        float to[kLanes] = {};
+
+        // Whether it is full now; the next one added is the first of a new batch.
+        bool add(float from_at, float by, float to_at) noexcept
+        {
+            count %= kLanes;
+            from[count] = from_at;
+            d[count] = by;
+            to[count] = to_at;
+            return ++count == kLanes;
+        }
+    };
+
+    struct span_lanes
+    {
+        int_lanes first;
+        int_lanes last;
+        span operator[](int i) const noexcept { return {first[i], last[i]}; }
+    };
+
+    // clamped(), box() and uncovered().pixels() of eight.
+    static int_lanes clamped_lanes(float_lanes position, int size) noexcept
+    {
+        const float_lanes inside = (position > 0.0f) & (position < 2147483648.0f) ? position : all_lanes(0.0f);
+        return whole(lower_of(inside, all_lanes(static_cast<float>(size - 1))));
+    }
+    static span_lanes boxes(const move_batch& moves, float radius, int size) noexcept
+    {
+        const auto center = load_lanes<float_lanes>(moves.to);
+        return {clamped_lanes(center - radius, size), clamped_lanes(center + radius, size)};
+    }
+    static span_lanes strips(const move_batch& moves, float radius, int size) noexcept
+    {
+        const auto from = load_lanes<float_lanes>(moves.from);
+        const auto d = load_lanes<float_lanes>(moves.d);
+        const int_lanes up = d > 0.0f;
+        const float_lanes first = up ? from + radius : from - radius;
+        const float_lanes last = up ? first + d - 1.0f : first + d + 1.0f;
+        const int_lanes first_pixel = clamped_lanes(first, size);
+        const int_lanes off = clamped_lanes(last, size) - first_pixel;
+        const int_lanes length = off < 0 ? -off : off;
+        const int_lanes end = lower_of(higher_of(up ? first_pixel + length : first_pixel - length, all_lanes(0)),
+                                       all_lanes(size - 1));
+        return {lower_of(first_pixel, end), higher_of(first_pixel, end)};
+    }
+
+    void enter(const move_batch& moves, float radius, int size, int across) noexcept
+    {
+        const span_lanes places = strips(moves, radius, size);
+        const span_lanes added = boxes(moves, radius, across);
+        for (int i = 0; i < moves.count; ++i)
+            add(places[i], added[i]);
+    }
+    void widen(const move_batch& moves, float radius, int size, int across) noexcept
+    {
+        const span_lanes places = boxes(moves, radius, size);
+        const span_lanes added = strips(moves, radius, across);
+        for (int i = 0; i < moves.count; ++i)
+            add(places[i], added[i]);
     }
 
     // Adds `added` to the runs at `places`.
