@@ -36,7 +36,7 @@ namespace
 class column_steps
 {
 public:
-    static constexpr int kMostRows = 64;
+    static constexpr int kMostRows = 32;
 
     explicit column_steps(const stroke_candidates& places) noexcept : places_(places) {}
 
@@ -215,7 +215,9 @@ private:
             const float_lanes leaning = slope * (0.5f * ((cross - top) + (cross_before - top)));
             const int i = j - low_;
             store_lanes(left_ + i, 0.5f * ((main - origin) + (before - origin)) + leaning + 0.5f);
-            store_lanes(doubt_ + i, near_ * magnitude(load_lanes<float_lanes>(inverse_ + j)));
+            // Of what is behind the last one nothing is in doubt.
+            const float_lanes doubt = near_ * magnitude(load_lanes<float_lanes>(inverse_ + j));
+            store_lanes(doubt_ + i, kLaneNumbers <= high_ - j ? doubt : all_lanes(-1.0f));
             const int_lanes flat =
                 (magnitude(slope) <= kSteepest) & (magnitude(leaning) <= row_cells::kMostLeaning);
             steep |= (flat == 0) & (kLaneNumbers <= high_ - j);
@@ -260,8 +262,7 @@ private:
             const int_lanes row = whole(held);
             store_lanes(starts_ + (j - begin), row);
             const float_lanes past = held - __builtin_convertvector(row, float_lanes);
-            unsigned doubtful = lane_bits((magnitude(past - 0.5f) > 0.5f - load_lanes<float_lanes>(doubt_ + i)) &
-                                          (kLaneNumbers <= last - j));
+            unsigned doubtful = lane_bits(magnitude(past - 0.5f) > 0.5f - load_lanes<float_lanes>(doubt_ + i));
             for (; doubtful != 0; doubtful &= doubtful - 1)
                 doubts_[doubts++] = j + std::countr_zero(doubtful);
         }

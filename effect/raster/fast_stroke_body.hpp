@@ -335,7 +335,7 @@ private:
     unsigned shaded(const stroke_candidates& places, const lane_pixels& t, int_lanes rows, unsigned needed,
                     nearest_lanes& near, int_lanes* color) const noexcept
     {
-        for (unsigned left = needed & doubtful(places, t, near); left != 0; left &= left - 1)
+        for (unsigned left = doubtful(places, t, rows, needed, near); left != 0; left &= left - 1)
             needed = recount(places, t, rows[std::countr_zero(left)], std::countr_zero(left), needed, near);
         const int_lanes place = higher_of(near.place, all_lanes(0));
         const float_lanes radius = places.one_radius ? all_lanes(places.radius[0]) : gather(places.radius, place);
@@ -349,14 +349,18 @@ private:
         return needed & lane_bits(shade_.shade(near.squared, radius, offset, color));
     }
 
-    // Lanes whose nearest place may not count for them.
-    unsigned doubtful(const stroke_candidates& places, const lane_pixels& t,
+    // Of `needed` lanes, those whose nearest place may not count for them.
+    unsigned doubtful(const stroke_candidates& places, const lane_pixels& t, int_lanes rows, unsigned needed,
                       const nearest_lanes& near) const noexcept
     {
-        const unsigned far = lane_bits(near.squared > windows_.sure_squared());
-        if (t.all_inside || far == 0xff)
+        unsigned far = needed & lane_bits(near.squared > windows_.sure_squared());
+        const int_lanes place = higher_of(near.place, all_lanes(0));
+        if (far != 0)
+            far &= ~lane_bits(
+                windows_.near_enough(t.centers - gather(places.main, place), gather(places.cross, place), rows));
+        if (t.all_inside)
             return far;
-        return far | ~lane_bits(windows_.inside(gather(places.main, higher_of(near.place, all_lanes(0)))));
+        return far | (needed & ~lane_bits(windows_.inside(gather(places.main, place))));
     }
 
     // Looks again for a lane whose nearest place may not count for it.

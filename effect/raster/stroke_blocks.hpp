@@ -23,7 +23,7 @@ public:
     stroke_blocks(const stroke_candidates& places, const stroke_canvas& canvas, const stroke_windows& windows,
                   const covered_rows& covered, const swept_plane& plane, float widest) noexcept
         : places_(places), canvas_(canvas), windows_(windows), covered_(covered), plane_(plane), reach_(widest),
-          height_(reach_.distance < 24.0f ? 32 : column_steps::kMostRows), steps_(places), crowd_(places)
+          height_(reach_.distance < 24.0f ? 24 : column_steps::kMostRows), steps_(places), crowd_(places)
     {
     }
 
@@ -181,11 +181,18 @@ private:
 
     void set_lanes(const lane_pixels& t, int tile, int_lanes above, int_lanes below) noexcept
     {
-        needed_ = {all_lanes(canvas_.across), all_lanes(-1)};
-        for (int i = 0; i < lanes_of(tile); ++i)
+        if (lanes_of(tile) == kLanes)
         {
-            needed_.first[i] = first_[t.at + i];
-            needed_.last[i] = last_[t.at + i];
+            needed_ = {load_lanes<int_lanes>(first_ + t.at), load_lanes<int_lanes>(last_ + t.at)};
+        }
+        else
+        {
+            needed_ = {all_lanes(canvas_.across), all_lanes(-1)};
+            for (int i = 0; i < lanes_of(tile); ++i)
+            {
+                needed_.first[i] = first_[t.at + i];
+                needed_.last[i] = last_[t.at + i];
+            }
         }
         sure_ = {all_lanes(canvas_.across), all_lanes(-1)};
         if (t.all_inside && !plane_.holed(t.at))

@@ -36,7 +36,8 @@ public:
     {
         margin_ = 0.1f + (places.bridged ? 0.55f : 0.0f);
         const float sure = creator_.outerRadius - 0.5f - margin_;
-        sure_squared_ = places.even && sure > 0.0f ? sure * sure * 0.9999f : -1.0f;
+        sure_ = places.even ? sure : -1.0f;
+        sure_squared_ = sure_ > 0.0f ? sure * sure * 0.9999f : -1.0f;
     }
 
     // Whether such distances are known at all: places lie where their indices say.
@@ -44,6 +45,16 @@ public:
 
     // A place no farther than this (squared distance) counts, if it is `inside`.
     float sure_squared() const noexcept { return sure_squared_; }
+
+    // Whether places at these distances along and with these cross coordinates count for pixels in these rows, if
+    // they are inside; as far as that can be told without asking for each pixel's window.
+    int_lanes near_enough(float_lanes along, float_lanes cross, int_lanes rows) const noexcept
+    {
+        const float_lanes edge = __builtin_convertvector(rows, float_lanes) + 1.0f;
+        const float_lanes from = higher_of(edge - creator_.outerRadius, all_lanes(0.0f));
+        const float_lanes to = lower_of(edge + creator_.outerRadius, all_lanes(across_));
+        return (magnitude(along) <= sure_) & (from <= cross) & (cross <= to);
+    }
 
     // Whether main coordinates are so far from the canvas's ends, which cut windows off, that they do not matter.
     int_lanes inside(float_lanes main) const noexcept { return (main >= margin_) & (main <= size_ - margin_); }
@@ -100,6 +111,7 @@ private:
     float size_;   // of the canvas along the main axis
     float across_; // and across it
     float margin_ = 0.0f;
+    float sure_ = -1.0f;         // distance along
     float sure_squared_ = -1.0f; // negative where places have to be asked
 };
 } // namespace

@@ -167,7 +167,37 @@ private:
         const span_lanes places = boxes(moves, radius, size);
         const span_lanes added = strips(moves, radius, across);
         for (int i = 0; i < moves.count; ++i)
-            add(places[i], added[i]);
+        {
+            const span along = places[i];
+            if (along.last - along.first + 1 < kLanes)
+                add(along, added[i]);
+            else if (moves.d[i] > 0.0f)
+                extend<true>(along, added[i]);
+            else
+                extend<false>(along, added[i]);
+        }
+    }
+
+    // add() for eight places and more, where most runs only move one end: upward in number or downward.
+    template <bool Up>
+    void extend(span places, span added) noexcept
+    {
+        std::int32_t* const moved = Up ? last : first;
+        const int count = places.last - places.first + 1;
+        for (int done = 0; done < count; done += kLanes)
+        {
+            const int i = places.first + std::min(done, count - kLanes);
+            const auto low = load_lanes<int_lanes>(first + i);
+            const auto high = load_lanes<int_lanes>(last + i);
+            // Runs that it does not meet from this side.
+            const int_lanes others =
+                Up ? (low > added.first) | (high < added.first - 1) : (high < added.last) | (low > added.last + 1);
+            if (lane_bits(others) != 0)
+                add({i, i + kLanes - 1}, added);
+            else
+                store_lanes(moved + i,
+                            Up ? higher_of(high, all_lanes(added.last)) : lower_of(low, all_lanes(added.first)));
+        }
     }
 
     // Adds `added` to the runs at `places`.
