@@ -158,7 +158,7 @@ private:
         if (Multicolor && reach.distance > kThin && draw_blocks(covered, places, reach, memory))
             return;
         stroke_rims rims(creator_, places, canvas_, windows_);
-        if (!Multicolor && rims.make_room(memory))
+        if (rims.make_room(widest_, Multicolor, memory))
         {
             rims.draw(
                 outer_, core_, plane_,

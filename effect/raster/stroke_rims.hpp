@@ -1,6 +1,7 @@
 #pragma once
-// Draws a stroke of one colour and one width along its two rims: eight columns at a time, each in a row of its
-// own, so that the eight follow the rim however it slopes. Internal to the file that includes it, as lanes are.
+// Draws a thin stroke, or one of one colour and one width, along its two rims: eight columns at a time, each in a
+// row of its own, so that the eight follow the rim however it slopes. Internal to the file that includes it, as
+// lanes are.
 //
 // Seen from one side of the stroke's line, distance never falls on the way outward, but for what the gaps between
 // samples make of it: let a place be nearest to a pixel of some column that lies farther out than another one. If
@@ -35,19 +36,23 @@ public:
     {
     }
 
-    // False where the stroke is none for this, or `memory` is short.
-    bool make_room(scratch_memory& memory) noexcept
+    // `widest`: the largest radius. False where the stroke is none for this, or `memory` is short.
+    bool make_room(float widest, bool many_colors, scratch_memory& memory) noexcept
     {
-        if (!places_.one_radius || !places_.all_numbers || !places_.even || places_.bridged || !windows_.known() ||
-            (creator_.samplesPerPixel > 1 && creator_.coreOpacity != 1.0f))
+        if (!places_.even || places_.bridged || !windows_.known() || canvas_.tile_rows(0).last < kLanes)
             return false;
-        radius_ = places_.radius[0];
-        if (!(radius_ >= kThinnest && radius_ <= kThickest) || canvas_.tile_rows(0).last < kLanes)
+        radius_ = widest;
+        if (!(radius_ >= kThinnest && radius_ <= kThickest))
+            return false;
+        // Inside, all that are covered look alike.
+        const bool uniform = !many_colors && places_.one_radius && places_.all_numbers &&
+                             (creator_.samplesPerPixel <= 1 || creator_.coreOpacity == 1.0f);
+        if (!uniform && radius_ > kThickestOfMany)
             return false;
         const float inside = radius_ - 1.0f;
         const float outside = radius_ + 1.0f;
         const float deep = inside * inside * (1.0f - kRounding) - kStep;
-        thick_ = inside > 0.0f && deep > 1.0f;
+        thick_ = uniform && inside > 0.0f && deep > 1.0f;
         deep_ = thick_ ? deep : -1.0f;
         usual_ = kLanes * creator_.samplesPerPixel + 4;
         inset_ = thick_ ? radius_ - std::sqrt(deep) + kSpare : 0.0f;
@@ -95,11 +100,12 @@ public:
 private:
     static constexpr float kStep = 1.6f; // pixels squared: more than the gaps between samples can make
     static constexpr float kRounding = 1e-5f;
-    static constexpr float kSpare = 0.15f;     // pixels
-    static constexpr float kThinnest = 0.5f;   // pixels
-    static constexpr float kThickest = 280.0f; // pixels
-    static constexpr float kSteepest = 1.19f;  // of a step across, pixels
-    static constexpr int kMostRows = 48;       // that a rim is looked for in
+    static constexpr float kSpare = 0.15f;         // pixels
+    static constexpr float kThinnest = 0.5f;       // pixels
+    static constexpr float kThickestOfMany = 6.0f; // pixels: radii, and colours
+    static constexpr float kThickest = 280.0f;     // pixels
+    static constexpr float kSteepest = 1.19f;      // of a step across, pixels
+    static constexpr int kMostRows = 48;           // that a rim is looked for in
     static constexpr int kMostEdges = 72;
     static constexpr int kMostWords = 8;  // of 64 places, looked through for one that has cells
     static constexpr int kRowsBeside = 3; // that may come into sight
