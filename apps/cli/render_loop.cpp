@@ -77,7 +77,8 @@ private:
     media::prepared_frame prepared(std::int32_t number)
     {
         const std::lock_guard hold(mutex_);
-        return std::move(prepared_.extract(number).mapped());
+        media::prepared_frame frame(std::move(prepared_.extract(number).mapped()));
+        return frame;
     }
 
     const render_plan& plan_;

@@ -1,3 +1,4 @@
+#include "effect/raster/lanes.hpp"
 #include "effect/raster/line_creator.hpp"
 
 #include <cstring>
@@ -7,6 +8,7 @@
 // of the direction stands for that: 0 at both ends of the row, 1 in its middle.
 int LineCreatorClass::CreateTables()
 {
+    static_assert(kTableColumns % kLanes == 0);
     constexpr int kUnfilled = (kTableRows - kTableFilledRows) * kTableColumns;
     coverageTable = pool_array_used<float>(pool, kTableRows * kTableColumns, 0);
     if (coverageTable == nullptr)
@@ -28,13 +30,12 @@ int LineCreatorClass::CreateTables()
     {
         const float dpos = static_cast<float>(i) / 100.0f;
         float* const row = coverageTable + i * kTableColumns;
-        for (int j = 0; j < kTableColumns; ++j)
+        for (int j = 0; j < kTableColumns; j += kLanes)
         {
-            const float num = dpos - begin[j];
-            const float den = extent[j];
-            const float share = num / den;
-            const float inside = num < 0.0f ? 0.0f : share;
-            row[j] = num > den ? 1.0f : inside;
+            const float_lanes num = dpos - load_lanes<float_lanes>(begin + j);
+            const auto den = load_lanes<float_lanes>(extent + j);
+            const float_lanes inside = num < 0.0f ? all_lanes(0.0f) : num / den;
+            store_lanes(row + j, num > den ? all_lanes(1.0f) : inside);
         }
     }
     std::memset(coverageTable + kTableFilledRows * kTableColumns, 0, kUnfilled * sizeof(float));

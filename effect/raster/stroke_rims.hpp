@@ -39,7 +39,7 @@ public:
     // `widest`: the largest radius. False where the stroke is none for this, or `memory` is short.
     bool make_room(float widest, bool many_colors, scratch_memory& memory) noexcept
     {
-        if (!places_.even || places_.bridged || !windows_.known() || canvas_.tile_rows(0).last < kLanes)
+        if (!places_.even || places_.bridged || !windows_.known())
             return false;
         radius_ = widest;
         if (!(radius_ >= kThinnest && radius_ <= kThickest))
@@ -80,6 +80,7 @@ public:
         for (int tile = 0; tile < tiles_; ++tile)
         {
             lane_pixels t(tile * kLanes);
+            marked_ = 0;
             if (!plane.holed(t.at) && enter(t, outer, core) && draw_rim(t, upper_, paint) &&
                 draw_rim(t, lower_, paint) && finish(t))
             {
@@ -308,7 +309,6 @@ private:
             return false;
         swept_ = {load_lanes<int_lanes>(outer.first + t.at), load_lanes<int_lanes>(outer.last + t.at)};
         core_ = {load_lanes<int_lanes>(core.first + t.at), load_lanes<int_lanes>(core.last + t.at)};
-        written_ = {all_lanes(canvas_.across), all_lanes(-1)};
         const int_lanes number = whole((t.centers - places_.main[0]) * places_.per_pixel + 0.5f);
         line_ = gather(places_.cross, lower_of(number, all_lanes(places_.count - 1)));
         return true;
@@ -457,9 +457,35 @@ private:
             return;
         color = solid ? all_lanes(std::bit_cast<std::int32_t>(creator_.points[0].color)) : color;
         canvas_.store_each(t.at, rows, bits, color);
-        const int_lanes written = lanes_of_bits(bits);
-        written_.first = written ? lower_of(written_.first, rows) : written_.first;
-        written_.last = written ? higher_of(written_.last, rows) : written_.last;
+        note(t.at, rows, bits);
+    }
+
+    // Notes that pixels were written, to mark the canvas's tiles once for many.
+    void note(int at, int_lanes rows, unsigned bits) noexcept
+    {
+        if ((bits & ~lane_bits((rows >= marked_rows_.first) & (rows <= marked_rows_.last))) == 0)
+        {
+            marked_ |= bits;
+            return;
+        }
+        for (unsigned left = bits; left != 0; left &= left - 1)
+        {
+            const int lane = std::countr_zero(left);
+            const int tile = canvas_.tile_across(rows[lane]);
+            if (tile != marked_tile_)
+            {
+                mark(at);
+                marked_tile_ = tile;
+                marked_rows_ = canvas_.tile_rows(tile);
+            }
+            marked_ |= 1U << static_cast<unsigned>(lane);
+        }
+    }
+
+    void mark(int at) noexcept
+    {
+        canvas_.mark(at, marked_tile_, marked_);
+        marked_ = 0;
     }
 
     // What is between the rims, and the tiles of the canvas in which pixels were written. False where the solid
@@ -469,29 +495,24 @@ private:
         if (lane_bits((core_.first <= core_.last) &
                       ((core_.first <= upper_.outer) | (core_.last >= lower_.outer))) != 0)
             return false;
-        if (thick_)
-        {
-            const int_lanes first = higher_of(upper_.inner, swept_.first);
-            const int_lanes last = lower_of(lower_.inner, swept_.last);
-            store_lanes(first_ + t.at, first);
-            store_lanes(last_ + t.at, last);
-            const int_lanes some = first <= last;
-            written_.first = some ? lower_of(written_.first, first) : written_.first;
-            written_.last = some ? higher_of(written_.last, last) : written_.last;
-        }
-        int first = written_.first[0];
-        int last = written_.last[0];
-        for (int i = 1; i < kLanes; ++i)
-        {
-            first = std::min(first, static_cast<int>(written_.first[i]));
-            last = std::max(last, static_cast<int>(written_.last[i]));
-        }
-        if (first > last)
+        mark(t.at);
+        if (!thick_)
             return true;
-        for (int tile = canvas_.tile_across(first); tile <= canvas_.tile_across(last); ++tile)
+        const int_lanes first = higher_of(upper_.inner, swept_.first);
+        const int_lanes last = lower_of(lower_.inner, swept_.last);
+        store_lanes(first_ + t.at, first);
+        store_lanes(last_ + t.at, last);
+        span all = {canvas_.across, -1};
+        for (int i = 0; i < kLanes; ++i)
+            if (first[i] <= last[i])
+                all = {std::min(all.first, static_cast<int>(first[i])),
+                       std::max(all.last, static_cast<int>(last[i]))};
+        for (int row = all.first; row <= all.last;)
         {
+            const int tile = canvas_.tile_across(row);
             const span rows = canvas_.tile_rows(tile);
-            canvas_.mark(t.at, tile, lane_bits((written_.first <= rows.last) & (written_.last >= rows.first)));
+            canvas_.mark(t.at, tile, lane_bits((first <= last) & (first <= rows.last) & (last >= rows.first)));
+            row = rows.last + 1;
         }
         return true;
     }
@@ -565,7 +586,9 @@ private:
     int far_ = -1;                   // the first place from those on that does not count
     row_lanes swept_{};
     row_lanes core_{};
-    row_lanes written_{};
+    unsigned marked_ = 0; // lanes in which something was written in this row of the canvas's tiles
+    int marked_tile_ = 0;
+    span marked_rows_ = {0, -1};
     float_lanes line_{}; // where the stroke's line lies across
     side upper_{-1};
     side lower_{1};

@@ -77,30 +77,57 @@ private:
         { each([&](sized_region s) { s.region->enter(entered, s.radius, size, across); }); };
         const auto widen_all = [&]
         { each([&](sized_region s) { s.region->widen(widened, s.radius, size, across); }); };
-        const auto enter = [&](float from, float d, const StrokePoint& p)
-        {
-            if (entered.add(from, d, cross_of(p)))
-                enter_all();
-        };
-        const auto widen = [&](float from, float d, const StrokePoint& p)
-        {
-            if (widened.add(from, d, main_of(p)))
-                widen_all();
-        };
-        const auto nothing = [](float, float, const StrokePoint&) {};
-        if (along_y)
-        {
-            walk_moves(creator, nothing, enter);
-            enter_all();
-            walk_moves(creator, widen, nothing);
-        }
-        else
-        {
-            walk_moves(creator, enter, nothing);
-            enter_all();
-            walk_moves(creator, nothing, widen);
-        }
+        each_move(creator, !along_y,
+                  [&](float from, float d, const StrokePoint& p)
+                  {
+                      if (entered.add(from, d, cross_of(p)))
+                          enter_all();
+                  });
+        enter_all();
+        each_move(creator, along_y,
+                  [&](float from, float d, const StrokePoint& p)
+                  {
+                      if (widened.add(from, d, main_of(p)))
+                          widen_all();
+                  });
         widen_all();
+    }
+
+    // walk_moves() along one axis alone, eight samples at a time.
+    template <class Visit>
+    static void each_move(const LineCreatorClass& creator, bool of_x, Visit visit) noexcept
+    {
+        const StrokePoint* const points = creator.points;
+        const auto position = [of_x, points](int i) { return of_x ? points[i].x : points[i].y; };
+        float from = position(0);
+        int_lanes before = pixels_of(all_lanes(from));
+        for (int i = 0; i < creator.pointCount; i += kLanes)
+        {
+            const auto eight = [&](auto at)
+            { return float_lanes{at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7)}; };
+            const int last = creator.pointCount - 1;
+            const float_lanes here = i + kLanes <= creator.pointCount
+                                         ? eight([&](int n) { return position(i + n); })
+                                         : eight([&](int n) { return position(std::min(i + n, last)); });
+            const int_lanes pixels = pixels_of(here);
+            const int_lanes one_before = __builtin_shufflevector(before, pixels, 7, 8, 9, 10, 11, 12, 13, 14);
+            for (unsigned moves = lane_bits(pixels != one_before); moves != 0; moves &= moves - 1)
+            {
+                const StrokePoint& p = points[i + std::countr_zero(moves)];
+                const float to = of_x ? p.x : p.y;
+                visit(from, to - from, p);
+                from = to;
+            }
+            before = pixels;
+        }
+    }
+
+    // trunc_i32_select of eight.
+    static int_lanes pixels_of(float_lanes v) noexcept
+    {
+        constexpr float kEnd = 2147483648.0f;
+        const float_lanes below = v < kEnd ? v : all_lanes(-kEnd);
+        return whole(below >= -kEnd ? below : all_lanes(-kEnd));
     }
 
     // Moves along one axis to samples that lie at `to` on the other one.

@@ -37,11 +37,18 @@ enum class radii
     rough,  // another one at each sample
 };
 
+enum class paint
+{
+    any,
+    plain, // one colour, mostly covering in full
+};
+
 struct plan
 {
     course way;
     int longest; // canvas, pixels
     float widest;
+    paint with = paint::any;
 };
 
 float any_cross(dice& d, float across)
@@ -68,6 +75,11 @@ scene any_frame(dice& d, const plan& p)
     s.k = d.once_in(3) ? 1 : d.once_in(4) ? 4 * d.whole(1, 2) : 2;
     s.one_color = d.once_in(3);
     s.core_opacity = d.once_in(3) ? d.real(0.0f, 1.0f) : 1.0f;
+    if (p.with == paint::plain)
+    {
+        s.one_color = true;
+        s.core_opacity = d.once_in(12) ? s.core_opacity : 1.0f;
+    }
     return s;
 }
 
@@ -176,7 +188,9 @@ scene long_scene(unsigned seed, const plan& p)
     const auto along = static_cast<float>(s.axis == 0 ? s.width : s.height);
     const auto across = static_cast<float>(s.axis == 0 ? s.height : s.width);
     float radius = std::max(0.6f, p.widest * d.real(0.03f, 1.0f));
-    const auto kind = static_cast<radii>(d.whole(0, 4));
+    auto kind = static_cast<radii>(d.whole(0, 4));
+    if (p.with == paint::plain && !d.once_in(6))
+        kind = d.once_in(2) ? radii::one : radii::halves;
     if (kind == radii::halves)
         radius = std::floor(radius) + 0.5f;
     const bool constant = kind == radii::one || kind == radii::halves;
@@ -262,6 +276,26 @@ TEST(long_stroke_of, pixels_beyond_a_steep_end_is_what_the_plain_way_draws)
                 visits::first);
 }
 
+// Boxes of samples beyond the canvas's end lie on its last row, and their cores with them, far from the rims
+// there.
+TEST(long_stroke_of, a_core_moved_onto_the_canvas_is_what_the_plain_way_draws)
+{
+    scene s;
+    s.width = 120;
+    s.height = 60;
+    s.axis = 1;
+    s.one_color = true;
+    s.core = true;
+    s.inner = 5.5f / 1.4142135f - 1.5f;
+    s.outer = 7.0f;
+    for (int i = 0; i < 180; ++i)
+        s.points.push_back({10.0f + 0.46f * static_cast<float>(i), 62.0f - 0.5f * static_cast<float>(i), 5.5f,
+                            PF_Pixel{255, 1, 2, 3}});
+    tally count;
+    compare(s, "moved core", count, kWholePool, visits::first);
+    EXPECT_EQ(count.left, 0);
+}
+
 // Wherever the pool ends.
 TEST(long_stroke_of, any_memory_is_what_the_plain_way_draws)
 {
@@ -281,18 +315,25 @@ TEST(long_stroke_of, any_memory_is_what_the_plain_way_draws)
     EXPECT_EQ(count.left, 0) << "the mask has room for the runs";
 }
 
-INSTANTIATE_TEST_SUITE_P(strokes, long_stroke,
-                         ::testing::Values(family{"gentle", {course::gentle, 1600, 200.0f}, 6},
-                                           family{"tight", {course::tight, 700, 120.0f}, 8},
-                                           family{"arcs", {course::arc, 900, 160.0f}, 8},
-                                           family{"corners", {course::corners, 900, 120.0f}, 8},
-                                           family{"hooks", {course::hook, 900, 160.0f}, 20},
-                                           family{"cliffs", {course::cliffs, 700, 160.0f}, 8},
-                                           family{"thin_cliffs", {course::cliffs, 700, 14.0f}, 8},
-                                           family{"thin_and_gentle", {course::gentle, 2200, 24.0f}, 4},
-                                           family{"on_the_grid", {course::grid, 700, 100.0f}, 8},
-                                           family{"leaving", {course::leaving, 1200, 90.0f}, 8},
-                                           family{"brief", {course::brief, 300, 120.0f}, 16},
-                                           family{"narrow", {course::narrow, 900, 150.0f}, 30}),
-                         [](const auto& of) { return std::string(of.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    strokes, long_stroke,
+    ::testing::Values(
+        family{"gentle", {course::gentle, 1600, 200.0f}, 6}, family{"tight", {course::tight, 700, 120.0f}, 8},
+        family{"arcs", {course::arc, 900, 160.0f}, 8}, family{"corners", {course::corners, 900, 120.0f}, 8},
+        family{"hooks", {course::hook, 900, 160.0f}, 20}, family{"cliffs", {course::cliffs, 700, 160.0f}, 8},
+        family{"thin_cliffs", {course::cliffs, 700, 14.0f}, 8},
+        family{"thin_and_gentle", {course::gentle, 2200, 24.0f}, 4},
+        family{"on_the_grid", {course::grid, 700, 100.0f}, 8},
+        family{"leaving", {course::leaving, 1200, 90.0f}, 8}, family{"brief", {course::brief, 300, 120.0f}, 16},
+        family{"narrow", {course::narrow, 900, 150.0f}, 30}, family{"thin", {course::gentle, 1200, 6.5f}, 12},
+        family{"thin_and_tight", {course::tight, 700, 6.5f}, 12},
+        family{"plain_gentle", {course::gentle, 1600, 200.0f, paint::plain}, 10},
+        family{"plain_tight", {course::tight, 700, 120.0f, paint::plain}, 12},
+        family{"plain_arcs", {course::arc, 900, 160.0f, paint::plain}, 12},
+        family{"plain_corners", {course::corners, 900, 120.0f, paint::plain}, 12},
+        family{"plain_hooks", {course::hook, 900, 160.0f, paint::plain}, 12},
+        family{"plain_grid", {course::grid, 700, 100.0f, paint::plain}, 12},
+        family{"plain_leaving", {course::leaving, 1200, 90.0f, paint::plain}, 12},
+        family{"plain_and_thin", {course::gentle, 2200, 24.0f, paint::plain}, 12}),
+    [](const auto& of) { return std::string(of.param.name); });
 } // namespace
