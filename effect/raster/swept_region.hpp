@@ -159,7 +159,8 @@ private:
     // clamped(), box() and uncovered().pixels() of eight.
     static int_lanes clamped_lanes(float_lanes position, int size) noexcept
     {
-        const float_lanes inside = (position > 0.0f) & (position < 2147483648.0f) ? position : all_lanes(0.0f);
+        const int_lanes fits = (position > 0.0f) & (position < 2147483648.0f);
+        const float_lanes inside = fits ? position : all_lanes(0.0f);
         return whole(lower_of(inside, all_lanes(static_cast<float>(size - 1))));
     }
     static span_lanes boxes(const move_batch& moves, float radius, int size) noexcept
