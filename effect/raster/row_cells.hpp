@@ -190,19 +190,23 @@ private:
                                              (0.5 * (cross_i + cross_j) - static_cast<double>(center_));
     }
 
+    // The next place either way that was not taken out, as the outer two never are: by words, since a long gap's
+    // ends may be looked for as often.
     int before(int j) const noexcept
     {
-        do
-            --j;
-        while (bit(dropped_, j));
-        return j;
+        int word = (j - 1) / 64;
+        std::uint64_t left = ~dropped_[word] & ~std::uint64_t{0} >> static_cast<unsigned>(63 - (j - 1) % 64);
+        while (left == 0)
+            left = ~dropped_[--word];
+        return word * 64 + 63 - std::countl_zero(left);
     }
     int behind(int j) const noexcept
     {
-        do
-            ++j;
-        while (bit(dropped_, j));
-        return j;
+        int word = (j + 1) / 64;
+        std::uint64_t left = ~dropped_[word] & ~std::uint64_t{0} << static_cast<unsigned>((j + 1) % 64);
+        while (left == 0)
+            left = ~dropped_[++word];
+        return word * 64 + std::countr_zero(left);
     }
 
     // Takes out what lies above the envelope beside the gaps; the outer places stay, which are in it far out.
