@@ -75,11 +75,10 @@ public:
                 written_ = 0;
                 written_at_ = t.at;
                 written_tile_ = canvas_.tile_across(rows.first);
-                if (!find_ends(top, t.at))
-                    draw_rows(tile, rows, nearest, search);
-                else if (enter(top, tile, &t))
+                const bool known = find_ends(top, t.at);
+                if (known && enter(top, tile, &t))
                     draw_columns(t, top, rows, paint);
-                else if (enter_crowd(top, tile, &t))
+                else if (known && enter_crowd(top, tile, &t))
                     draw_crowd(t, rows, paint);
                 else
                     draw_rows(tile, rows, nearest, search);
