@@ -52,7 +52,8 @@ public:
         const float inside = radius_ - 1.0f;
         const float outside = radius_ + 1.0f;
         const float deep = inside * inside * (1.0f - kRounding) - kStep;
-        thick_ = uniform && inside > 0.0f && deep > 1.0f;
+        // What lies deep inside looks at the places that cover it.
+        thick_ = uniform && inside > 0.0f && deep > 1.0f && inside * inside <= windows_.sure_squared();
         deep_ = thick_ ? deep : -1.0f;
         usual_ = kLanes * creator_.samplesPerPixel + 4;
         inset_ = thick_ ? radius_ - std::sqrt(deep) + kSpare : 0.0f;

@@ -296,6 +296,21 @@ TEST(long_stroke_of, a_core_moved_onto_the_canvas_is_what_the_plain_way_draws)
     EXPECT_EQ(count.left, 0);
 }
 
+// A pixel in the last row that boxes sweep looks half a pixel less far than they reach.
+TEST(long_stroke_of, what_reaches_farther_than_its_windows_is_what_the_plain_way_draws)
+{
+    scene s;
+    s.width = 40;
+    s.height = 100;
+    s.one_color = true;
+    s.outer = 10.0f;
+    for (int i = 0; i < 120; ++i)
+        s.points.push_back({50.0f - 0.5f * static_cast<float>(i), 50.0f, 20.0f, PF_Pixel{255, 1, 2, 3}});
+    tally count;
+    compare(s, "narrow windows", count);
+    EXPECT_EQ(count.left, 0);
+}
+
 // Wherever the pool ends.
 void compare_in_any_memory(const scene& s, std::uint64_t most, std::uint64_t step)
 {
