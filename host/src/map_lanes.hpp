@@ -65,7 +65,6 @@ public:
         }
     }
 
-private:
     // In 16.16. The positions are positive, so that their whole parts are the largest whole numbers below.
     static void locate(const row_map& map, int column, std::int32_t* x, std::int32_t* y)
     {
@@ -83,7 +82,9 @@ private:
     {
         return data_ + std::ptrdiff_t{y} * rowbytes_ + std::ptrdiff_t{x} * 4;
     }
+    std::ptrdiff_t rowbytes() const { return rowbytes_; }
 
+private:
     std::uint32_t nearest(std::int32_t x, std::int32_t y) const
     {
         std::uint32_t pixel = 0;

@@ -270,6 +270,46 @@ TEST(transform_onto, is_the_reference_at_every_level)
     }
 }
 
+TEST(transform_onto, is_the_reference_where_means_are_halves_or_nearly)
+{
+    // Small alphas and points a quarter of a pixel apart make halves; points next to pixels and colours at the
+    // ends make the largest sums.
+    std::mt19937 random(41);
+    const double offsets[] = {0.0, 0.25, 0.5, 0.75, 1.0 / 65536.0, 65535.0 / 65536.0};
+    for (const host::simd_level level : {host::simd_level::scalar, host::simd_level::sse2, host::simd_level::avx2})
+    {
+        if (!host::machine_has(level))
+            continue;
+        for (const double across : offsets)
+            for (const double down : offsets)
+                for (const double step : {1.0, 1.25})
+                    for (const int alphas : {2, 3, 4, 256})
+                    {
+                        padded_world src(150, 12), dst(110, 8);
+                        src.scatter(random);
+                        for (int y = 0; y < 12; ++y)
+                            for (int x = 0; x < 150; ++x)
+                            {
+                                PF_Pixel& pixel = src.at(x, y);
+                                pixel.alpha =
+                                    static_cast<A_u_char>(255 - random() % static_cast<unsigned>(alphas));
+                                if (random() % 2 != 0)
+                                    pixel.alpha = static_cast<A_u_char>(255 - pixel.alpha);
+                                pixel.red = random() % 2 != 0 ? 255 : 0;
+                            }
+                        padded_world expected(dst);
+                        const PF_FloatMatrix to_source = matrix(step, 0, 0, 1, across + 2, down + 1);
+                        const PF_Rect rect{0, 0, 110, 8};
+                        reference({PF_Xfer_COPY}, PF_Quality_HI, src, to_source, rect, expected);
+                        host::transform_onto({PF_Xfer_COPY}, PF_Quality_HI, src.world(), nullptr,
+                                             {&to_source, 1, false}, &rect, dst.world(), level);
+                        ASSERT_EQ(dst.difference(expected), "")
+                            << "level " << static_cast<int>(level) << " offsets " << across << ", " << down
+                            << " step " << step << " alphas " << alphas;
+                    }
+    }
+}
+
 TEST(transform_onto, goes_forward_where_the_matrix_maps_the_source)
 {
     std::mt19937 random(5);
