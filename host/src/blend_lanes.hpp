@@ -1,59 +1,74 @@
 #pragma once
-// IN_FRONT at full opacity for a whole row, several pixels at a time: what blended() answers for each of them.
+// IN_FRONT at full opacity for whole rows, several pixels at a time: what blended() answers for each of them.
 // Included by one file for each instruction set.
 
 #include "composite.hpp"
 #include "pixel_lanes.hpp"
+
+#if defined(__AVX2__)
+#include "blend_halves_avx2.hpp"
+#endif
 
 namespace host
 {
 namespace
 {
 template <int Bytes>
-class in_front_row
+class in_front_rows
 {
 public:
-    static void blend(const PF_Pixel* src, PF_Pixel* dst, int count)
+    static void blend(const rows_on_rows& rows)
     {
-        if (count < v::count)
-            return blend_few(src, dst, static_cast<std::size_t>(count) * sizeof(PF_Pixel));
-        // The last vector overlaps the one before, so it is blended while the pixels are as they were.
-        const int last = count - v::count;
-        const word end = v::load(src + last);
-        const bool end_shows = !v::all_zero(end & 0xff);
-        const word blended_end = end_shows ? blended_apart(end, v::load(dst + last)) : end;
-        int looked_at = 0; // in vain for a run, up to here
-        for (int x = 0; x < last; x += v::count)
-        {
-            if (x >= looked_at && x + wide <= count)
-            {
-                if (blend_alike(src + x, dst + x))
-                {
-                    x += wide - v::count;
-                    continue;
-                }
-                looked_at = x + wide;
-            }
-            const word s = v::load(src + x);
-            if (!v::all_zero(s & 0xff))
-                v::store(dst + x, blended_lanes(s, v::load(dst + x)));
-        }
-        if (end_shows)
-            v::store(dst + last, blended_end);
+        const auto* src = reinterpret_cast<const char*>(rows.src);
+        auto* dst = reinterpret_cast<char*>(rows.dst);
+        for (int y = 0; y < rows.height; ++y, src += rows.src_rowbytes, dst += rows.dst_rowbytes)
+            blend_row(reinterpret_cast<const PF_Pixel*>(src), reinterpret_cast<PF_Pixel*>(dst), rows.width);
     }
 
 private:
     using v = lanes<Bytes>;
     using word = typename v::word;
+    using byte = typename v::byte;
     using half = typename v::half;
     using real = typename v::real;
     static constexpr int wide = 4 * v::count;
+
+    [[gnu::always_inline]] static void blend_row(const PF_Pixel* src, PF_Pixel* dst, int count)
+    {
+        int x = 0;
+        for (; x + wide <= count; x += wide)
+            if (!blend_alike(src + x, dst + x))
+                for (int i = 0; i < wide; i += v::count)
+                    blend_vector(src + x + i, dst + x + i);
+        // Where all is nothing or all is full cover, it does no harm to blend some pixels again.
+        if (x == count || (count >= wide && blend_alike(src + count - wide, dst + count - wide)))
+            return;
+        for (; x + v::count <= count; x += v::count)
+            blend_vector(src + x, dst + x);
+        if (x < count)
+            blend_few(src + x, dst + x, count - x);
+    }
+
+    [[gnu::always_inline]] static void blend_vector(const PF_Pixel* src, PF_Pixel* dst)
+    {
+        const word s = v::load(src);
+        const word d = v::load(dst);
+        if (v::all_zero(~d & 0xff))
+            v::store(dst, onto_opaque(s, d, s & 0xff));
+        else if (any_divides(s, d))
+            v::store(dst, onto_any(s, d));
+        else if (!v::all_zero(s & 0xff))
+            v::store(dst, onto_plain(s, d));
+    }
 
     // Lines leave most of a picture empty, and are opaque inside: such runs are seen at once. False where
     // it is no such run.
     [[gnu::always_inline]] static bool blend_alike(const PF_Pixel* src, PF_Pixel* dst)
     {
-        const word s[4] = {v::load(src), v::load(src + v::count), v::load(src + 2 * v::count),
+        const word first = v::load(src);
+        if (!v::all_zero((first + 1) & 0xfe)) // neither 0 nor 255
+            return false;
+        const word s[4] = {first, v::load(src + v::count), v::load(src + 2 * v::count),
                            v::load(src + 3 * v::count)};
         if (v::all_zero((s[0] | s[1] | s[2] | s[3]) & 0xff))
             return true;
@@ -65,36 +80,48 @@ private:
     }
 
     // Fewer pixels than a vector holds, in one that is filled up with nothing.
-    static void blend_few(const PF_Pixel* src, PF_Pixel* dst, std::size_t bytes)
+    static void blend_few(const PF_Pixel* src, PF_Pixel* dst, int count)
     {
-        word s = {}, d = {};
-        std::memcpy(&s, src, bytes);
-        std::memcpy(&d, dst, bytes);
-        d = blended_apart(s, d);
-        std::memcpy(dst, &d, bytes);
+        const word s = v::load_some(src, count);
+        if (!v::all_zero(s & 0xff))
+            v::store_some(dst, blended_apart(s, v::load_some(dst, count)), count);
     }
 
     // A second copy of the code, so that the loop's keeps its constants in registers.
-    [[gnu::noinline]] static word blended_apart(word s, word d) { return blended_lanes(s, d); }
+    [[gnu::noinline]] static word blended_apart(word s, word d)
+    {
+        return any_divides(s, d) ? onto_any(s, d) : onto_plain(s, d);
+    }
 
-    // onto_any(s, d, s_alpha, d_alpha), without its divisions where every pixel of one side is empty or opaque:
-    // lines laid on lines, all but where their edges cross.
-    [[gnu::always_inline]] static word blended_lanes(word s, word d)
+    // Whether a pixel of the source, neither empty nor opaque, lies on such a one.
+    [[gnu::always_inline]] static bool any_divides(word s, word d)
+    {
+        // From 255 and 0 to 0 and 1, all others to 2 and above.
+        const byte from = (byte)s + 1;
+        const byte to = (byte)d + 1;
+        return !v::all_zero((word)(from < to ? from : to) & 0xfe);
+    }
+
+    // onto_any(s, d) where every pixel of one side is empty or opaque: lines laid on lines, all but where their
+    // edges cross.
+    [[gnu::always_inline]] static word onto_plain(word s, word d)
     {
         const word s_alpha = s & 0xff;
-        const word d_alpha = d & 0xff;
-        const word opaque = (word)(d_alpha == 255);
-        if (v::all_zero(~opaque))
-            return onto_opaque(s, d, s_alpha);
         const word keeps = (word)(s_alpha == 0);
-        const word takes = (word)(s_alpha == 255) | (word)(d_alpha == 0);
-        const word easy = keeps | takes;
-        if (v::all_zero(~easy))
+        const word takes = (word)(s_alpha == 255) | (word)((d & 0xff) == 0);
+        if (v::all_zero(~(keeps | takes)))
             return (d & keeps) | (s & ~keeps);
-        if (!v::all_zero(~(easy | opaque)))
-            return onto_any(s, d, s_alpha, d_alpha);
         const word taken = (s & takes) | (onto_opaque(s, d, s_alpha) & ~takes);
         return (d & keeps) | (taken & ~keeps);
+    }
+
+    [[gnu::always_inline]] static word onto_any(word s, word d)
+    {
+#if defined(__AVX2__)
+        if constexpr (Bytes == 32)
+            return (word)in_front_halves::blend((__m256i)s, (__m256i)d);
+#endif
+        return onto_any(s, d, s & 0xff, d & 0xff);
     }
 
     // Alpha stays 255, and a channel is (s * from + (255 - s) * to + 127) / 255. No halves: 255 is odd. For 0 <= a

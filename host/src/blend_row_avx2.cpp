@@ -4,9 +4,9 @@
 #if defined(__AVX2__)
 namespace host
 {
-void in_front_row_avx2(const PF_Pixel* src, PF_Pixel* dst, int count)
+void in_front_rows_avx2(const rows_on_rows& rows)
 {
-    in_front_row<32>::blend(src, dst, count);
+    in_front_rows<32>::blend(rows);
 }
 } // namespace host
 #endif

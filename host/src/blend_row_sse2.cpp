@@ -2,8 +2,8 @@
 
 namespace host
 {
-void in_front_row_sse2(const PF_Pixel* src, PF_Pixel* dst, int count)
+void in_front_rows_sse2(const rows_on_rows& rows)
 {
-    in_front_row<16>::blend(src, dst, count);
+    in_front_rows<16>::blend(rows);
 }
 } // namespace host

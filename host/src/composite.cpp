@@ -111,14 +111,20 @@ void blend_row(const blend& how, const PF_Pixel* src, PF_Pixel* dst, int count)
     }
 }
 
-void blend_row_at(simd_level level, const blend& how, const PF_Pixel* src, PF_Pixel* dst, int count)
+void blend_rows_at(simd_level level, const blend& how, const rows_on_rows& rows)
 {
     if (level == simd_level::scalar || !is_plain_in_front(how))
-        return blend_row(how, src, dst, count);
+    {
+        const auto* src = reinterpret_cast<const char*>(rows.src);
+        auto* dst = reinterpret_cast<char*>(rows.dst);
+        for (int y = 0; y < rows.height; ++y, src += rows.src_rowbytes, dst += rows.dst_rowbytes)
+            blend_row(how, reinterpret_cast<const PF_Pixel*>(src), reinterpret_cast<PF_Pixel*>(dst), rows.width);
+        return;
+    }
 #if defined(__x86_64__)
     if (level == simd_level::avx2)
-        return in_front_row_avx2(src, dst, count);
+        return in_front_rows_avx2(rows);
 #endif
-    in_front_row_sse2(src, dst, count);
+    in_front_rows_sse2(rows);
 }
 } // namespace host

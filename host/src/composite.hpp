@@ -14,6 +14,8 @@
 
 #include "effect/pf/effect_api.hpp"
 
+#include <cstddef>
+
 namespace host
 {
 struct blend
@@ -31,10 +33,20 @@ PF_Pixel blended(const blend& how, PF_Pixel src, PF_Pixel dst, unsigned mask);
 // The same for a row of pixels without a mask, faster where the pixels allow it. Rows do not overlap.
 void blend_row(const blend& how, const PF_Pixel* src, PF_Pixel* dst, int count);
 
-// blend_row with the instructions of a level that the machine has: the same bytes.
-void blend_row_at(simd_level level, const blend& how, const PF_Pixel* src, PF_Pixel* dst, int count);
+// Pixels of a rectangle and those they are laid on; bytes from one row to the next.
+struct rows_on_rows
+{
+    const PF_Pixel* src;
+    std::ptrdiff_t src_rowbytes;
+    PF_Pixel* dst;
+    std::ptrdiff_t dst_rowbytes;
+    int width, height;
+};
+
+// blend_row for each row with the instructions of a level that the machine has: the same bytes.
+void blend_rows_at(simd_level level, const blend& how, const rows_on_rows& rows);
 
 // IN_FRONT at full opacity, alpha and all, at one level each.
-void in_front_row_sse2(const PF_Pixel* src, PF_Pixel* dst, int count);
-void in_front_row_avx2(const PF_Pixel* src, PF_Pixel* dst, int count);
+void in_front_rows_sse2(const rows_on_rows& rows);
+void in_front_rows_avx2(const rows_on_rows& rows);
 } // namespace host

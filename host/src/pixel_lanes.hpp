@@ -27,6 +27,7 @@ struct lane_types<16>
 {
     typedef std::uint32_t word __attribute__((vector_size(16))); // a pixel in each
     typedef std::int32_t integer __attribute__((vector_size(16)));
+    typedef std::uint8_t byte __attribute__((vector_size(16)));
     typedef std::uint16_t half __attribute__((vector_size(16))); // two channels of a pixel
     typedef float real __attribute__((vector_size(16)));
 
@@ -41,6 +42,7 @@ struct lane_types<32>
 {
     typedef std::uint32_t word __attribute__((vector_size(32)));
     typedef std::int32_t integer __attribute__((vector_size(32)));
+    typedef std::uint8_t byte __attribute__((vector_size(32)));
     typedef std::uint16_t half __attribute__((vector_size(32)));
     typedef float real __attribute__((vector_size(32)));
 
@@ -62,6 +64,28 @@ struct lanes : lane_types<Bytes>
     }
     static void store(void* to, word value) { std::memcpy(to, &value, sizeof value); }
 
+    // The first few of a vector's pixels, and zeros after them; nothing is read or written behind them.
+    static word load_some(const void* from, int some)
+    {
+#if defined(__AVX2__)
+        if constexpr (Bytes == 32)
+            return (word)_mm256_maskload_epi32(static_cast<const int*>(from), first_lanes(some));
+#endif
+        word value = {};
+        for (int i = 0; i < some; ++i)
+            std::memcpy((char*)&value + 4 * i, static_cast<const char*>(from) + 4 * i, 4);
+        return value;
+    }
+    static void store_some(void* to, word value, int some)
+    {
+#if defined(__AVX2__)
+        if constexpr (Bytes == 32)
+            return _mm256_maskstore_epi32(static_cast<int*>(to), first_lanes(some), (__m256i)value);
+#endif
+        for (int i = 0; i < some; ++i)
+            std::memcpy(static_cast<char*>(to) + 4 * i, (const char*)&value + 4 * i, 4);
+    }
+
     static bool all_zero(word value)
     {
 #if defined(__AVX2__)
@@ -79,6 +103,14 @@ struct lanes : lane_types<Bytes>
             sum |= part;
         return sum == 0;
     }
+
+private:
+#if defined(__AVX2__)
+    static __m256i first_lanes(int some)
+    {
+        return _mm256_cmpgt_epi32(_mm256_set1_epi32(some), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+    }
+#endif
 };
 } // namespace
 } // namespace host

@@ -312,7 +312,7 @@ void map_rows(simd_level level, const blend& how, PF_Quality quality, const PF_E
             for (int column = area.left; column < area.right; ++column)
                 samples[static_cast<std::size_t>(column - area.left)] =
                     exposed(maps, sampler_for(quality), src, column + 0.5, row + 0.5);
-        blend_row_at(level, how, samples.data(), row_of(dst, row) + area.left, area.right - area.left);
+        blend_rows_at(level, how, {samples.data(), 0, row_of(dst, row) + area.left, 0, area.right - area.left, 1});
     }
 }
 

@@ -145,11 +145,19 @@ void transfer(const blend& how, const PF_EffectWorld& src, const PF_Rect* src_re
     const placement place =
         clipped({from.left, from.top, dest_x, dest_y, width_of(from), height_of(from)}, src, dst);
     const stable_source source(src, dst);
+    if (place.height <= 0)
+        return;
+    if (!mask)
+    {
+        const PF_EffectWorld& readable = source.world();
+        return blend_rows_at(level, how,
+                             {row_of(readable, static_cast<int>(place.src_y)) + place.src_x, readable.rowbytes,
+                              row_of(dst, static_cast<int>(place.dst_y)) + place.dst_x, dst.rowbytes,
+                              static_cast<int>(place.width), static_cast<int>(place.height)});
+    }
     each_row(place, source.world(), dst,
              [&](const PF_Pixel* in, PF_Pixel* out, int count, int x, int y)
              {
-                 if (!mask)
-                     return blend_row_at(level, how, in, out, count);
                  for (int i = 0; i < count; ++i)
                      out[i] = blended(how, in[i], out[i], mask_alpha(mask, x + i, y));
              });

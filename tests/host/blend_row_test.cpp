@@ -3,6 +3,8 @@
 #include "scripted_effect.hpp"
 #include "simd_level.hpp"
 
+#include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace
@@ -30,7 +32,7 @@ void expect_defined(simd_level level, const blend& how, scripted::padded_world& 
     scripted::padded_world expected(dst), source(src);
     for (int x = start; x < start + count; ++x)
         expected.at(x, 0) = host::blended(how, src.at(x, 0), dst.at(x, 0), 255);
-    host::blend_row_at(level, how, &src.at(start, 0), &dst.at(start, 0), count);
+    host::blend_rows_at(level, how, {&src.at(start, 0), 0, &dst.at(start, 0), 0, count, 1});
     ASSERT_EQ(dst.difference(expected), "") << what;
     ASSERT_EQ(src.difference(source), "") << what;
 }
@@ -50,6 +52,37 @@ TEST_P(blend_rows, are_right_for_every_pair_of_alphas_and_channels)
                 dst.at(x, 0) = {byte(d), byte(x * 3 + s), byte(x), byte(x % 2 ? 255 : 0)};
             }
             expect_defined(GetParam(), in_front, src, dst, 0, 256, std::to_string(s) + " on " + std::to_string(d));
+            if (HasFatalFailure())
+                return;
+        }
+}
+
+TEST_P(blend_rows, are_right_for_every_pair_of_alphas_and_difference_of_channels)
+{
+    // What a channel moves by depends on the alphas and on how far source and destination are apart: all there is.
+    constexpr int count = 511 / 3 + 1;
+    for (int s = 0; s < 256; ++s)
+        for (int d = 0; d < 256; ++d)
+        {
+            scripted::padded_world src(count, 1), dst(count, 1);
+            for (int x = 0; x < count; ++x)
+            {
+                PF_Pixel& from = src.at(x, 0);
+                PF_Pixel& to = dst.at(x, 0);
+                from.alpha = static_cast<A_u_char>(s);
+                to.alpha = static_cast<A_u_char>(d);
+                int difference = std::min(3 * x - 255, 255);
+                for (A_u_char PF_Pixel::*const channel : {&PF_Pixel::red, &PF_Pixel::green, &PF_Pixel::blue})
+                {
+                    const int apart = std::abs(difference);
+                    const int low = (s * 7 + d * 3) % (256 - apart);
+                    from.*channel = static_cast<A_u_char>(difference > 0 ? low + apart : low);
+                    to.*channel = static_cast<A_u_char>(difference > 0 ? low : low + apart);
+                    difference = std::min(difference + 1, 255);
+                }
+            }
+            expect_defined(GetParam(), in_front, src, dst, 0, count,
+                           std::to_string(s) + " on " + std::to_string(d));
             if (HasFatalFailure())
                 return;
         }
@@ -95,6 +128,28 @@ TEST_P(blend_rows, are_right_at_every_width_and_start)
             if (HasFatalFailure())
                 return;
         }
+}
+
+TEST_P(blend_rows, are_right_one_below_the_other)
+{
+    std::mt19937 random(13);
+    for (int round = 0; round < 300; ++round)
+    {
+        const int width = static_cast<int>(random() % 80) + 1;
+        const int height = static_cast<int>(random() % 6);
+        scripted::padded_world src(width + 4, 9, 5), dst(width + 7, 8, 2);
+        src.scatter(random);
+        dst.scatter(random);
+        scripted::padded_world expected(dst);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                expected.at(x + 7, y + 1) =
+                    host::blended(in_front, src.at(x + 3, y + 2), dst.at(x + 7, y + 1), 255);
+        host::blend_rows_at(
+            GetParam(), in_front,
+            {&src.at(3, 2), src.world().rowbytes, &dst.at(7, 1), dst.world().rowbytes, width, height});
+        ASSERT_EQ(dst.difference(expected), "") << "round " << round << ", " << width << "x" << height;
+    }
 }
 
 TEST_P(blend_rows, are_right_for_every_mode)
