@@ -158,8 +158,11 @@ private:
             steepest = std::max(steepest, steps[i]);
             bend = std::max(bend, bends[i]);
         }
-        const float along = radius_ + 4.0f + 2.0f * static_cast<float>(kLanes);
-        const float across = radius_ + 4.0f + steepest * places_.per_pixel * along;
+        // The window reaches radius + 10 along from a pixel, whose nearest place is up to radius + 2 away on any
+        // side.
+        const float slope = steepest * places_.per_pixel;
+        const float along = radius_ + 12.0f;
+        const float across = (radius_ + 4.0f) * std::sqrt(1.0f + slope * slope) + slope * along;
         const float lost = 2e-6f * (across * across + along * along) + 1e-3f;
         const float spare = 1.0f / (places_.per_pixel * places_.per_pixel) - 0.5f * lost;
         gentle_ = places_.regular && bend * across < spare;
