@@ -17,9 +17,10 @@ public:
     {
     }
 
-    // Room for `count` values of T, not cleared; null where it does not fit. Aligned to 32 bytes.
+    // Room for `count` values of T, not cleared; null where it does not fit. Aligned to 32 bytes. Inlined for
+    // certain: no copy that is compiled for a level of instructions may stand for all.
     template <class T>
-    T* take(std::int64_t count) noexcept
+    [[gnu::always_inline]] T* take(std::int64_t count) noexcept
     {
         constexpr std::uint64_t kAlignment = 32;
         const auto skip = (kAlignment - reinterpret_cast<std::uintptr_t>(next_) % kAlignment) % kAlignment;

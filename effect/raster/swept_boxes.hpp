@@ -43,7 +43,8 @@ struct strip
 };
 
 // The pixel at a position, truncated toward zero and held to 0 .. size - 1; 0 for what does not fit an integer.
-inline int clamped(float position, int size) noexcept
+// Inlined for certain: no copy that is compiled for a level of instructions may stand for all.
+[[gnu::always_inline]] inline int clamped(float position, int size) noexcept
 {
     const float inside = position > 0.0f && position < 2147483648.0f ? position : 0.0f;
     return trunc_i32_fitting(std::min(inside, static_cast<float>(size - 1)));
