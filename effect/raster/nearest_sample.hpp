@@ -1,6 +1,6 @@
 #pragma once
 // What a pixel is nearest to, and what follows from it: the arithmetic that the plain rasteriser and the fast one
-// share, so that both round alike.
+// share, so that both round alike. Small functions are inlined for certain, as in swept_boxes.hpp.
 
 #include "effect/model/numeric.hpp"
 #include "effect/raster/stroke_point.hpp"
@@ -19,20 +19,20 @@ struct nearest_sample
     PF_Pixel color = {255, 0, 0, 0};
 };
 
-inline float squared_distance(float center_x, float center_y, float x, float y) noexcept
+[[gnu::always_inline]] inline float squared_distance(float center_x, float center_y, float x, float y) noexcept
 {
     const float dx = center_x - x;
     const float dy = center_y - y;
     return dx * dx + dy * dy;
 }
 
-inline A_u_char mix_channel(A_u_char prev, A_u_char cur, float t) noexcept
+[[gnu::always_inline]] inline A_u_char mix_channel(A_u_char prev, A_u_char cur, float t) noexcept
 {
     return trunc_u8(static_cast<double>(static_cast<float>(prev) * t + static_cast<float>(cur) * (1.0f - t)));
 }
 
 // Index of the sample at main coordinate `limit`, held to the stroke. Samples are 1/k apart, so it is arithmetic.
-inline int sample_at(float first_main, float limit, int k, int count) noexcept
+[[gnu::always_inline]] inline int sample_at(float first_main, float limit, int k, int count) noexcept
 {
     const int index = trunc_i32(static_cast<double>((first_main - limit) * static_cast<float>(k)));
     return index < 0 ? 0 : std::min(index, count - 1);
