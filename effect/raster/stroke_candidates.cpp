@@ -1,5 +1,6 @@
 #include "effect/raster/stroke_candidates.hpp"
 
+#include "effect/model/work_limits.hpp"
 #include "effect/raster/line_creator.hpp"
 
 #include <algorithm>
@@ -95,7 +96,7 @@ stroke_candidates::outcome stroke_candidates::fill(const LineCreatorClass& creat
     bool exact = true;
     bool numbers_only = true;
     bool same = true;
-    bool in_place = std::fabs(first_main) < kEvenBelow;
+    bool in_place = std::fabs(first_main) < kEvenBelow && 1 <= k && k <= kMostQuality + 1;
     bridged = false;
     std::int64_t n = 0;
     for (int i = first; i >= last; --i)

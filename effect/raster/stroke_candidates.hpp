@@ -92,7 +92,7 @@ struct stroke_candidates
     bool one_radius = true;  // all radii are equal
     bool bridged = false;    // some places are no samples
     bool regular = false;    // none are, and samples lie exactly one over per_pixel apart
-    bool even = true;        // samples lie where their indices say, to a hundredth of a pixel
+    bool even = true;        // samples lie where their indices say, to a hundredth of a pixel, 1 to 8 a pixel
 
     static constexpr float kFarAway = 1e18f;
 
