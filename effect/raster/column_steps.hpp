@@ -85,8 +85,7 @@ public:
         row_ = row;
         height_ = height;
         const float farthest = farthest_squared(above, below);
-        // Two distances, each off by four halves of an ulp or so, of places 1 / per_pixel apart.
-        near_ = kRounding * farthest * places_.per_pixel + kOwnRounding;
+        near_ = doubt_within(farthest, places_.per_pixel);
         return farthest < kFarthest * kFarthest && near_ < kMostDoubt;
     }
 
@@ -122,8 +121,8 @@ public:
             settle(lane, rows, doubts_[d], begin, places_too);
     }
 
-    // The noted rows one after the other. The first call answers for the first row, and so on; the one behind the
-    // last row has to be asked for by finish().
+    // The places and colours of a row. begin() has what comes before the first one; each advance() goes on by one;
+    // finish() has to follow the last.
     struct sums
     {
         int_lanes place;
@@ -169,12 +168,9 @@ private:
     }
 
     static constexpr int kMostCells = 184;
-    static constexpr float kRounding = 3e-7f;
-    static constexpr float kOwnRounding = 5e-4f; // pixels: of a boundary's place, with the limits below
-    static constexpr float kFarthest = 300.0f;   // pixels, of a pixel from its place
-    static constexpr float kSteepest = 2.5f;     // of a stroke, across by along
-    static constexpr float kMostDoubt = 0.05f;   // pixels
-    static constexpr float kSteady = 1e-7f; // a boundary that moves no more from row to row is crossed nowhere
+    static constexpr float kFarthest = 300.0f; // pixels, of a pixel from its place
+    static constexpr float kSteepest = 2.5f;   // of a stroke, across by along
+    static constexpr float kSteady = 1e-7f;    // a boundary that moves no more from row to row is crossed nowhere
 
     float centre_of(int row) const noexcept { return static_cast<float>(row) + 0.5f; }
 

@@ -33,6 +33,18 @@ inline float* slopes_of(const stroke_candidates& places, scratch_memory& memory)
     return slopes;
 }
 
+// How near, in pixels along, a pixel's centre can be to the bisector of neighbouring places and lie on either side
+// of it, as distances are rounded; of pixels up to `squared` (squared distance) from their places, with bisectors
+// that lean no more than row_cells::kMostLeaning.
+constexpr float kOwnRounding = 5e-4f; // of the bisector itself
+constexpr float kMostDoubt = 0.05f;   // that anything here is meant for
+inline float doubt_within(float squared, float per_pixel) noexcept
+{
+    // Two distances, each off by four halves of an ulp or so, of places 1 / per_pixel apart.
+    constexpr float kRounding = 3e-7f;
+    return kRounding * squared * per_pixel + kOwnRounding;
+}
+
 class row_cells
 {
 public:

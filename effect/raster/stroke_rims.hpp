@@ -112,10 +112,6 @@ private:
     static constexpr int kMostWords = 8;  // of 64 places, looked through for one that has cells
     static constexpr int kRowsBeside = 3; // that may come into sight
     static constexpr int kHeight = 32;    // of blocks between edges, or more
-    // Of bisectors' doubts: see column_steps.
-    static constexpr float kNear = 3e-7f;
-    static constexpr float kOwnRounding = 5e-4f;
-    static constexpr float kMostDoubt = 0.05f;
 
     struct side
     {
@@ -174,7 +170,7 @@ private:
     {
         height_ = std::max(kHeight, canvas_.across / (kMostEdges - 4) + 1);
         const float reach = radius_ + 3.0f;
-        wide_ = 4.0f * (kNear * reach * reach * places_.per_pixel + kOwnRounding);
+        wide_ = 4.0f * doubt_within(reach * reach, places_.per_pixel);
         slopes_ = slopes_of(places_, memory);
         if (slopes_ == nullptr)
             return false;

@@ -44,7 +44,6 @@ struct strip
 };
 
 // The pixel at a position, truncated toward zero and held to 0 .. size - 1; 0 for what does not fit an integer.
-// Inlined for certain: no copy that is compiled for a level of instructions may stand for all.
 [[gnu::always_inline]] inline int clamped(float position, int size) noexcept
 {
     const float inside = position > 0.0f && position < 2147483648.0f ? position : 0.0f;

@@ -62,6 +62,18 @@ struct row_of_places
         return dm * dm + dc * dc;
     }
 
+    // The middle between where the bisectors on both sides of place j, none of the outer two, cross a row.
+    double middle_of_cell(int j, double y) const
+    {
+        const auto crossing = [&](int a, int b)
+        {
+            const double along = static_cast<double>(main[static_cast<std::size_t>(b)]) -
+                                 static_cast<double>(main[static_cast<std::size_t>(a)]);
+            return (squared(b, 0.0, y) - squared(a, 0.0, y)) / (2.0 * along);
+        };
+        return 0.5 * (crossing(j - 1, j) + crossing(j, j + 1));
+    }
+
     int nearest(double x, double y) const
     {
         int found = 0;
@@ -111,6 +123,10 @@ TEST_P(row_cells_of, random_places_are_what_a_look_at_all_finds)
             lacking += pixels.lacks(j) ? 1 : 0;
             EXPECT_FALSE(pixels.lacks(j) && seen[static_cast<std::size_t>(j)]) << where(seed, GetParam(), row);
             EXPECT_EQ(pixels.has(j), tiles.has(j));
+            if (pixels.has(j) && j > 0 && j < r.places.count - 1)
+            {
+                EXPECT_EQ(r.nearest(r.middle_of_cell(j, y), y), j) << where(seed, GetParam(), row);
+            }
         }
         for (int at = -8; at < r.size + 8; ++at)
         {
