@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #if defined(__AVX2__)
 #include <immintrin.h>
@@ -16,6 +17,7 @@
 namespace
 {
 constexpr int kLanes = 8;
+constexpr unsigned kLaneBits = 3; // of a lane's number
 using float_lanes = float __attribute__((vector_size(32)));
 using int_lanes = std::int32_t __attribute__((vector_size(32)));
 constexpr int_lanes kLaneNumbers = {0, 1, 2, 3, 4, 5, 6, 7};
@@ -44,6 +46,17 @@ inline void store_lanes(T* to, Lanes lanes) noexcept
 {
     static_assert(sizeof(Lanes) == kLanes * sizeof(T));
     std::memcpy(to, &lanes, sizeof lanes);
+}
+
+// Calls visit(i) for 0 up to but not `Count`, without a loop.
+template <int Count, class Visit>
+inline void unrolled(Visit visit) noexcept
+{
+    [&]<int... I>(std::integer_sequence<int, I...>)
+    {
+        (visit(I), ...);
+    }
+    (std::make_integer_sequence<int, Count>());
 }
 
 // Bit i is set where lane i of a comparison holds.
@@ -135,6 +148,25 @@ inline float_lanes magnitude(float_lanes v) noexcept
     bits &= 0x7fffffff;
     std::memcpy(&v, &bits, sizeof v);
     return v;
+}
+
+// Of all lanes, which are numbers.
+template <class Lanes>
+inline auto least(Lanes v) noexcept
+{
+    v = lower_of(v, __builtin_shufflevector(v, v, 4, 5, 6, 7, 0, 1, 2, 3));
+    v = lower_of(v, __builtin_shufflevector(v, v, 2, 3, 0, 1, 6, 7, 4, 5));
+    v = lower_of(v, __builtin_shufflevector(v, v, 1, 0, 3, 2, 5, 4, 7, 6));
+    return v[0];
+}
+
+template <class Lanes>
+inline auto most(Lanes v) noexcept
+{
+    v = higher_of(v, __builtin_shufflevector(v, v, 4, 5, 6, 7, 0, 1, 2, 3));
+    v = higher_of(v, __builtin_shufflevector(v, v, 2, 3, 0, 1, 6, 7, 4, 5));
+    v = higher_of(v, __builtin_shufflevector(v, v, 1, 0, 3, 2, 5, 4, 7, 6));
+    return v[0];
 }
 
 // Toward zero; every lane within 32 bits.

@@ -226,20 +226,6 @@ private:
             look(std::min(j, t.end - 1 - kLanes));
     }
 
-    static float least(float_lanes v) noexcept
-    {
-        for (int i = 1; i < kLanes; ++i)
-            v[0] = std::min(v[0], v[i]);
-        return v[0];
-    }
-
-    static float most(float_lanes v) noexcept
-    {
-        for (int i = 1; i < kLanes; ++i)
-            v[0] = std::max(v[0], v[i]);
-        return v[0];
-    }
-
     // The search where squared distances fall once and then rise: the nearest place follows the last one that is
     // nearer than the one before it.
     nearest_lanes search_single(stroke_tile& t, int row) noexcept
