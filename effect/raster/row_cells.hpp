@@ -16,6 +16,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 namespace
 {
@@ -61,12 +62,12 @@ public:
     // Room for a row of `size` pixels. False where `memory` is short.
     bool take(const stroke_candidates& places, int size, detail asked, scratch_memory& memory) noexcept
     {
+        size_ = size;
         words_ = places.count / 64 + 1;
-        shift_ = asked == detail::pixels ? 0U : kTileBits;
-        most_ = size + 2 * kLanes;
-        room_ = (most_ >> shift_) + 1;
+        shift_ = asked == detail::pixels ? 0U : kLaneBits;
+        const int room = ((size + 2 * kLanes) >> shift_) + 1;
         leaning_ = memory.take<float>(places.count + stroke_candidates::kPadding);
-        nearest_ = memory.take<std::int32_t>(room_ + kLanes);
+        nearest_ = memory.take<std::int32_t>(room + kLanes);
         dropped_ = memory.take<std::uint64_t>(words_);
         unsure_ = memory.take<std::uint64_t>(words_);
         absent_ = memory.take<std::uint64_t>(words_);
@@ -77,24 +78,37 @@ public:
     // Finds the cells. `slope`: see slopes_of. Those that are not `wide`, pixels, count as none that are sure.
     void find(const stroke_candidates& places, const float* slope, int row, float wide = kSurelyWide) noexcept
     {
+        find(places, slope, row, wide, {0, places.count - 1}, {0, size_ - 1});
+    }
+
+    // The same of these places alone, as if there were no others, and of these main positions.
+    void find(const stroke_candidates& places, const float* slope, int row, float wide, span some,
+              span positions) noexcept
+    {
         places_ = &places;
         wide_ = std::max(wide, kSurelyWide);
         center_ = static_cast<float>(row) + 0.5f;
-        std::fill_n(dropped_, words_, std::uint64_t{0});
-        std::fill_n(unsure_, words_, std::uint64_t{0});
-        std::fill_n(absent_, words_, std::uint64_t{0});
+        first_ = some.first;
+        last_ = some.last;
+        before_ = kLanes - positions.first;
+        most_ = positions.last - positions.first + 1 + 2 * kLanes;
+        const int word = first_ / 64;
+        const int words = last_ / 64 + 1 - word;
+        std::fill_n(dropped_ + word, words, std::uint64_t{0});
+        std::fill_n(unsure_ + word, words, std::uint64_t{0});
+        std::fill_n(absent_ + word, words, std::uint64_t{0});
         lean(slope);
         if (judge())
             close_gaps();
         lay();
     }
 
-    // The place nearest to the pixel at this main position, from eight before the canvas's first to seven behind
-    // its last; or the one beside it, where the pixel's centre is within kOwnRounding of their boundary.
-    int at(int main_at) const noexcept { return nearest_[main_at + kLanes]; }
+    // The place nearest to the pixel at this main position, from eight before the first to seven behind the last
+    // that was asked for; or the one beside it, where the pixel's centre is within kOwnRounding of their boundary.
+    int at(int main_at) const noexcept { return nearest_[main_at + before_]; }
     // The same of the pixel before that tile, up to the second behind the canvas's last.
     int before_tile(int tile) const noexcept { return nearest_[tile]; }
-    int_lanes lanes_at(int main_at) const noexcept { return load_lanes<int_lanes>(nearest_ + main_at + kLanes); }
+    int_lanes lanes_at(int main_at) const noexcept { return load_lanes<int_lanes>(nearest_ + main_at + before_); }
 
     // Whether this place is sure to be the nearest one somewhere in the row.
     bool has(int place) const noexcept { return !bit(unsure_, place); }
@@ -124,7 +138,6 @@ public:
     std::uint64_t lacking(int word) const noexcept { return absent_[word]; }
 
 private:
-    static constexpr unsigned kTileBits = std::countr_zero(static_cast<unsigned>(kLanes));
     static constexpr float kSurelyNone = -2e-3f;
     static constexpr double kClearly = 0.2;
 
@@ -140,7 +153,7 @@ private:
     // How far along each bisector is off the middle of its two places.
     void lean(const float* slope) noexcept
     {
-        for (int j = 1; j < places_->count; j += kLanes)
+        for (int j = first_ + 1; j <= last_; j += kLanes)
         {
             const auto cross = load_lanes<float_lanes>(places_->cross + j);
             const auto before = load_lanes<float_lanes>(places_->cross + j - 1);
@@ -163,8 +176,8 @@ private:
     bool judge() noexcept
     {
         bool gaps = false;
-        const int inner = places_->count - 1;
-        for (int j = 1; j < inner; j += kLanes)
+        const int inner = last_;
+        for (int j = first_ + 1; j < inner; j += kLanes)
         {
             const auto before = load_lanes<float_lanes>(leaning_ + j);
             const auto behind = load_lanes<float_lanes>(leaning_ + j + 1);
@@ -224,8 +237,7 @@ private:
     // Takes out what lies above the envelope beside the gaps; the outer places stay, which are in it far out.
     void close_gaps() noexcept
     {
-        const int last = places_->count - 1;
-        for (int j = 1; j < last;)
+        for (int j = first_ + 1; j < last_;)
         {
             if (dropped_[j / 64] >> static_cast<unsigned>(j % 64) == 0)
                 j = j / 64 * 64 + 64;
@@ -239,21 +251,23 @@ private:
     // The same for the gap between places l and r. Answers the place behind it.
     int close_gap(int l, int r) noexcept
     {
-        const int last = places_->count - 1;
+        // Boundaries beyond the two.
+        double left = left_of(l);
+        double right = right_of(r);
         for (;;)
         {
             const double between = boundary(l, r);
-            const double past_l = l > 0 ? boundary(before(l), l) - between : -1.0;
-            const double past_r = r < last ? between - boundary(r, behind(r)) : -1.0;
-            if (past_l >= 0.0)
+            if (left >= between)
             {
-                drop(l, past_l);
+                drop(l, left - between);
                 l = before(l);
+                left = left_of(l);
             }
-            else if (past_r >= 0.0)
+            else if (between >= right)
             {
-                drop(r, past_r);
+                drop(r, between - right);
                 r = behind(r);
+                right = right_of(r);
             }
             else
             {
@@ -262,6 +276,16 @@ private:
                 return r;
             }
         }
+    }
+
+    // Where the bisector of a place and the next one that was not taken out crosses the row.
+    double left_of(int l) const noexcept
+    {
+        return l > first_ ? boundary(before(l), l) : -std::numeric_limits<double>::infinity();
+    }
+    double right_of(int r) const noexcept
+    {
+        return r < last_ ? boundary(r, behind(r)) : std::numeric_limits<double>::infinity();
     }
 
     void drop(int j, double past) noexcept
@@ -287,7 +311,7 @@ private:
             return;
         if (bit(dropped_, j - 1))
         {
-            const double from = std::ceil(boundary(before(j), j) - 0.5) + static_cast<double>(kLanes);
+            const double from = std::ceil(boundary(before(j), j) - 0.5) + static_cast<double>(before_);
             pixel = trunc_i32_fitting(static_cast<float>(std::clamp(from, 0.0, static_cast<double>(most_))));
         }
         nearest_[slot(pixel)] = j;
@@ -300,53 +324,66 @@ private:
     // Lays the places down along the row's pixels, each from the first pixel behind its boundary on.
     void lay() noexcept
     {
-        std::fill_n(nearest_, room_, 0); // which none is below
+        // Copies, since what is stored might be these as far as a compiler knows.
+        std::int32_t* const nearest = nearest_;
+        const int last = last_;
+        const int pixels_before = before_;
+        const auto shift = static_cast<std::int32_t>(shift_);
+        const float* const mains = places_->main;
+        const float* const leaning = leaning_;
+        const int room = (most_ >> shift_) + 1;
+        std::fill_n(nearest, room, first_); // which none is below
         const auto most = static_cast<float>(most_);
-        for (int j = 1; j < places_->count; j += kLanes)
+        for (int j = first_ + 1; j <= last; j += kLanes)
         {
-            const auto origin = static_cast<float>(trunc_i32_fitting(places_->main[j]));
-            const auto main = load_lanes<float_lanes>(places_->main + j);
-            const auto before = load_lanes<float_lanes>(places_->main + j - 1);
+            const auto origin = static_cast<float>(trunc_i32_fitting(mains[j]));
+            const auto main = load_lanes<float_lanes>(mains + j);
+            const auto before = load_lanes<float_lanes>(mains + j - 1);
             const float_lanes from =
-                0.5f * ((main - origin) + (before - origin)) + load_lanes<float_lanes>(leaning_ + j) - 0.5f;
+                0.5f * ((main - origin) + (before - origin)) + load_lanes<float_lanes>(leaning + j) - 0.5f;
             // Held to the row before anything is added that could round.
-            const float base = origin + static_cast<float>(kLanes);
+            const float base = origin + static_cast<float>(pixels_before);
             const float_lanes held = lower_of(higher_of(from, all_lanes(-base)), all_lanes(most - base));
             const int_lanes toward_zero = whole(held);
             const int_lanes pixel = toward_zero - (__builtin_convertvector(toward_zero, float_lanes) < held) +
                                     static_cast<std::int32_t>(base);
-            std::int32_t pixels[kLanes];
-            const int count = std::min(kLanes, places_->count - j);
+            std::int32_t at[kLanes];
             if (gaps_beside(j))
             {
-                store_lanes(pixels, pixel);
-                for (int i = 0; i < count; ++i)
-                    lay_beside_gap(j + i, pixels[i]);
+                store_lanes(at, pixel);
+                for (int i = 0; i < std::min(kLanes, last + 1 - j); ++i)
+                    lay_beside_gap(j + i, at[i]);
                 continue;
             }
-            store_lanes(pixels, pixel >> static_cast<std::int32_t>(shift_));
-            for (int i = 0; i < count; ++i)
-                nearest_[pixels[i]] = j + i;
+            store_lanes(at, pixel >> shift);
+            if (last + 1 - j >= kLanes)
+                unrolled<kLanes>([&](int i) { nearest[at[i]] = j + i; });
+            else
+                for (int i = 0; i < last + 1 - j; ++i)
+                    nearest[at[i]] = j + i;
         }
-        int_lanes carried = all_lanes(0);
-        for (int i = 0; i < room_; i += kLanes)
+        int_lanes carried = all_lanes(first_);
+        for (int i = 0; i < room; i += kLanes)
         {
             constexpr int_lanes none = {};
-            auto v = load_lanes<int_lanes>(nearest_ + i);
+            auto v = load_lanes<int_lanes>(nearest + i);
             v = higher_of(v, __builtin_shufflevector(v, none, 8, 0, 1, 2, 3, 4, 5, 6));
             v = higher_of(v, __builtin_shufflevector(v, none, 8, 9, 0, 1, 2, 3, 4, 5));
             v = higher_of(v, __builtin_shufflevector(v, none, 8, 9, 10, 11, 0, 1, 2, 3));
             v = higher_of(v, carried);
             carried = __builtin_shufflevector(v, v, 7, 7, 7, 7, 7, 7, 7, 7);
-            store_lanes(nearest_ + i, v);
+            store_lanes(nearest + i, v);
         }
     }
 
     const stroke_candidates* places_ = nullptr;
+    int size_ = 0; // of the canvas along the main axis
     int words_ = 0;
     unsigned shift_ = 0; // makes pixels slots
-    int most_ = 0;       // pixels
-    int room_ = 0;       // slots
+    int first_ = 0;      // of the places that are looked at
+    int last_ = 0;
+    int before_ = 0; // pixels before main position 0
+    int most_ = 0;   // pixels
     float center_ = 0.0f;
     float wide_ = 0.0f;
     float* leaning_ = nullptr;

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <string>
@@ -74,10 +75,12 @@ struct row_of_places
         return 0.5 * (crossing(j - 1, j) + crossing(j, j + 1));
     }
 
-    int nearest(double x, double y) const
+    int nearest(double x, double y) const { return nearest_of(0, places.count - 1, x, y); }
+
+    int nearest_of(int first, int last, double x, double y) const
     {
-        int found = 0;
-        for (int j = 1; j < places.count; ++j)
+        int found = first;
+        for (int j = first + 1; j <= last; ++j)
             if (squared(j, x, y) < squared(found, x, y))
                 found = j;
         return found;
@@ -147,6 +150,57 @@ TEST_P(row_cells_of, random_places_are_what_a_look_at_all_finds)
     }
     EXPECT_GT(told, 0);
     EXPECT_GT(sure, 0);
+    if (GetParam() == 0)
+    {
+        EXPECT_GT(lacking, 0);
+    }
+}
+
+TEST_P(row_cells_of, some_places_are_what_a_look_at_those_finds)
+{
+    int told = 0;
+    int lacking = 0;
+    for (unsigned seed = 100; seed <= 180; ++seed)
+    {
+        dice d(seed);
+        row_of_places r(d, GetParam());
+        const int row = d.whole(0, kAcross - 1);
+        const double y = row + 0.5;
+        const int first = d.whole(0, r.places.count - 2);
+        const int last = std::min(first + d.whole(1, 150), r.places.count - 1);
+        const int from = d.whole(0, r.size - 1);
+        const int to = std::min(from + d.whole(0, 20), r.size - 1);
+        scratch_memory memory(r.room.data(), r.room.size());
+        const float* const slopes = slopes_of(r.places, memory);
+        row_cells cells;
+        ASSERT_TRUE(cells.take(r.places, r.size, row_cells::detail::pixels, memory));
+        // What another row has left must not be seen.
+        cells.find(r.places, slopes, (row + kAcross / 2) % kAcross);
+        cells.find(r.places, slopes, row, 0.0f, {first, last}, {from, to});
+
+        std::vector<bool> seen(static_cast<std::size_t>(r.places.count));
+        for (int i = -200 * 8; i < (r.size + 200) * 8; ++i)
+            seen[static_cast<std::size_t>(r.nearest_of(first, last, i / 8.0 + 0.0625, y))] = true;
+        for (int j = first; j <= last; ++j)
+        {
+            lacking += cells.lacks(j) ? 1 : 0;
+            EXPECT_FALSE(cells.lacks(j) && seen[static_cast<std::size_t>(j)]) << where(seed, GetParam(), row);
+        }
+        for (int at = from - 8; at < to + 8; ++at)
+        {
+            const int found = cells.at(at);
+            ASSERT_TRUE(first <= found && found <= last) << where(seed, GetParam(), row) << ", pixel " << at;
+            const int best = r.nearest_of(first, last, at + 0.5, y);
+            if (!cells.has(found))
+                continue;
+            ++told;
+            const double off = r.squared(found, at + 0.5, y) - r.squared(best, at + 0.5, y);
+            const double apart = std::fabs(static_cast<double>(r.main[static_cast<std::size_t>(found)]) -
+                                           static_cast<double>(r.main[static_cast<std::size_t>(best)]));
+            EXPECT_LE(off, 1e-3 * apart) << where(seed, GetParam(), row) << ", pixel " << at;
+        }
+    }
+    EXPECT_GT(told, 0);
     if (GetParam() == 0)
     {
         EXPECT_GT(lacking, 0);
