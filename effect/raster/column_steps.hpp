@@ -15,8 +15,9 @@
 //                       a b b c d d d e
 //        known below:   a b c c d d e e
 //
-// What each step adds to a place's number, and to its colour's bytes as one number, is noted in the row where it
-// is made. The sum of all rows so far, eight columns at once, is then the place, and the colour.
+// All columns are looked at beside each boundary at once. What a step adds to a place's number, and to its
+// colour's bytes as one number, is noted in the row where it is made; those made above the first row, or below the
+// last, in the rows beyond. The sum of all rows so far, eight columns at once, is then the place, and the colour.
 //
 // Distances as the rasteriser computes them lose something to rounding, and so do boundaries here. A pixel whose
 // centre is so near to a boundary that this could matter is decided by the rasteriser's own arithmetic; cells are
@@ -30,13 +31,91 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 
 namespace
 {
+// What is added up from row to row, eight columns at once: colours where numbers have 32 bits, colours and places
+// where they have 64. Each number that is added is forgotten.
+template <class Number>
+class step_sums;
+
+template <>
+class step_sums<std::uint32_t>
+{
+public:
+    static constexpr int_lanes kOrder = kLaneNumbers; // where a row's columns have their numbers
+
+    step_sums(std::uint32_t all, std::uint32_t* noted) noexcept : noted_(noted) { sum_ += all; }
+
+    void advance() noexcept
+    {
+        sum_ += load_lanes<lanes>(noted_);
+        store_lanes(noted_, lanes{});
+        noted_ += kLanes;
+    }
+
+    int_lanes colors() const noexcept { return reinterpret_cast<int_lanes>(sum_); }
+
+private:
+    using lanes = std::uint32_t __attribute__((vector_size(32)));
+
+    std::uint32_t* noted_;
+    lanes sum_{};
+};
+
+template <>
+class step_sums<std::uint64_t>
+{
+public:
+    // Such that halves are put together without crossing a vector's middle.
+    static constexpr int_lanes kOrder = {0, 1, 4, 5, 2, 3, 6, 7};
+
+    step_sums(std::uint64_t all, std::uint64_t* noted) noexcept : noted_(noted)
+    {
+        first_ += all;
+        second_ += all;
+    }
+
+    void advance() noexcept
+    {
+        take(&first_);
+        take(&second_);
+    }
+
+    int_lanes colors() const noexcept { return halves<kHigh>(); }
+    int_lanes places() const noexcept { return halves<1 - kHigh>(); }
+
+private:
+    using lanes = std::uint64_t __attribute__((vector_size(32)));
+
+    void take(lanes* sum) noexcept
+    {
+        lanes noted;
+        std::memcpy(&noted, noted_, sizeof noted);
+        *sum += noted;
+        std::memset(noted_, 0, sizeof noted);
+        noted_ += kLanes / 2;
+    }
+
+    // The first or second half of each number, as they lie in memory.
+    static constexpr int kHigh = std::endian::native == std::endian::little ? 1 : 0;
+    template <int N>
+    int_lanes halves() const noexcept
+    {
+        return __builtin_shufflevector(reinterpret_cast<int_lanes>(first_), reinterpret_cast<int_lanes>(second_),
+                                       N, N + 2, N + 8, N + 10, N + 4, N + 6, N + 12, N + 14);
+    }
+
+    std::uint64_t* noted_;
+    lanes first_{};
+    lanes second_{};
+};
+
 class column_steps
 {
 public:
-    static constexpr int kMostRows = 32;
+    static constexpr int kMostRows = 64;
 
     explicit column_steps(const stroke_candidates& places) noexcept : places_(places) {}
 
@@ -46,8 +125,12 @@ public:
         const int room = places_.count + stroke_candidates::kPadding;
         slope_ = slopes_of(places_, memory);
         inverse_ = memory.take<float>(room);
-        change_ = memory.take<std::uint32_t>(room);
-        if (slope_ == nullptr || inverse_ == nullptr || change_ == nullptr)
+        color_step_ = memory.take<std::uint32_t>(room);
+        behind_ = memory.take<std::uint64_t>(room);
+        changing_ = memory.take<std::int32_t>(room);
+        changes_ = memory.take<std::int32_t>(room);
+        if (slope_ == nullptr || inverse_ == nullptr || color_step_ == nullptr || behind_ == nullptr ||
+            changing_ == nullptr || changes_ == nullptr)
             return false;
         for (int j = 1; j < places_.count; j += kLanes)
         {
@@ -55,9 +138,19 @@ public:
             const float_lanes inverse = 1.0f / slope;
             store_lanes(inverse_ + j, magnitude(slope) > kSteady ? -inverse : all_lanes(1.0f / kSteady));
         }
+        behind_[0] = 0;
+        changes_[0] = 0;
         for (int j = 1; j < places_.count; ++j)
-            change_[j] =
+        {
+            const std::uint64_t change = both(places_.color[j], j) - both(places_.color[j - 1], j - 1);
+            const bool forward = goes_forward(j);
+            const std::uint32_t color =
                 static_cast<std::uint32_t>(places_.color[j]) - static_cast<std::uint32_t>(places_.color[j - 1]);
+            color_step_[j] = forward ? color : 0U - color;
+            behind_[j] = behind_[j - 1] + (forward ? 0U : change);
+            changing_[changes_[j - 1]] = j;
+            changes_[j] = changes_[j - 1] + (color != 0 ? 1 : 0);
+        }
         return true;
     }
 
@@ -73,8 +166,6 @@ public:
             return false;
         low_ = low;
         high_ = high;
-        store_lanes(above_, above);
-        store_lanes(below_, below);
         return near_enough(at, row, height, above, below) && set_boundaries() && in_order();
     }
 
@@ -84,88 +175,83 @@ public:
         at_ = at;
         row_ = row;
         height_ = height;
-        const float farthest = farthest_squared(above, below);
-        near_ = doubt_within(farthest, places_.per_pixel);
-        return farthest < kFarthest * kFarthest && near_ < kMostDoubt;
+        const float farthest = farthest_of(above[kMiddle], below[kMiddle]);
+        farthest_ = farthest;
+        near_ = doubt_within(farthest * farthest, places_.per_pixel);
+        return farthest < kFarthest && near_ < kMostDoubt;
     }
 
-    // Notes the steps down column `lane` of these rows, counted from the block's first; and the places' numbers,
-    // where they are wanted.
-    void note(int lane, span rows, bool places_too) noexcept
+    // How far the block's pixels are from their places, or more.
+    float farthest() const noexcept { return farthest_; }
+
+    // Notes the steps down the columns in these rows, counted from the block's first, and answers what is before
+    // them. That has to be advanced once for each row, which makes it the row's, and kRowsBehind times more.
+    template <class Number>
+    step_sums<Number> note(span rows) noexcept
     {
-        const int a = above_[lane];
-        const int b = below_[lane];
-        const int low = std::min(a, b);
-        const int high = std::max(a, b);
-        // The boundaries that are crossed, and those before and behind, which may be near.
-        const int begin = std::max(low, low_ + 1);
-        const int doubts = find_rows(lane, rows, begin, std::min(high + 1, high_));
-        const std::int32_t* const first = starts_ + (low + 1 - begin);
-        const int count = high - low;
-        const std::uint32_t* const change = change_ + low + 1;
-        std::uint32_t* const colors = colors_ + lane;
-        std::int32_t* const places = numbers_ + lane;
-        if (a <= b)
-            for (int n = 0; n < count; ++n)
-                colors[first[n] * kLanes] += change[n];
-        else
-            for (int n = 0; n < count; ++n)
-                colors[first[n] * kLanes] -= change[n];
-        if (places_too)
+        const auto last = static_cast<float>(rows.last - rows.first);
+        rows_ = rows;
+        shift_ = kRowsBefore - static_cast<float>(rows.first);
+        // What lies farther off is held half-way between rows.
+        most_ = last + kRowsBefore + 1.5f;
+        Number* const noted = numbers_of(Number{});
+        waiting_ = 0;
+        const span looked = boundaries(Number{});
+        for (int first = looked.first; first <= looked.last; first += kLanes)
         {
-            const int step = a <= b ? 1 : -1;
-            for (int n = 0; n < count; ++n)
-                places[first[n] * kLanes] += step;
+            std::uint64_t doubtful = 0; // a byte for each of eight boundaries
+            const int last_one = std::min(first + kLanes - 1, looked.last);
+            for (int n = first; n <= last_one; ++n)
+                doubtful |= std::uint64_t{note_boundary(boundary(n, Number{}), noted)}
+                            << static_cast<unsigned>((n - first) * kLanes);
+            for (; doubtful != 0; doubtful &= doubtful - 1)
+            {
+                const int bit = std::countr_zero(doubtful);
+                settle_later(boundary(first + bit / kLanes, Number{}) * kLanes + bit % kLanes, noted);
+            }
         }
-        for (int d = 0; d < doubts; ++d)
-            settle(lane, rows, doubts_[d], begin, places_too);
+        settle_waiting(noted);
+        step_sums<Number> sums(start(Number{}), noted);
+        sums.advance(); // what is before the first row
+        return sums;
     }
 
-    // The places and colours of a row. begin() has what comes before the first one; each advance() goes on by one;
-    // finish() has to follow the last.
-    struct sums
-    {
-        int_lanes place;
-        int_lanes color;
-    };
-    sums begin(bool places_too) noexcept
-    {
-        const auto above = load_lanes<int_lanes>(above_);
-        sums s = {above, gather(places_.color, above)};
-        next_ = 0;
-        advance(s, places_too); // what is before the first row
-        return s;
-    }
-    void advance(sums& s, bool places_too) noexcept
-    {
-        // As unsigned numbers, which wrap around.
-        s.color = wrapping_sum(s.color, load_lanes<word_lanes>(colors_ + next_));
-        store_lanes(colors_ + next_, word_lanes{});
-        if (places_too)
-        {
-            s.place += load_lanes<int_lanes>(numbers_ + next_);
-            store_lanes(numbers_ + next_, int_lanes{});
-        }
-        next_ += kLanes;
-    }
-    // Forgets what is behind the last row.
-    void finish(bool places_too) noexcept
-    {
-        for (int i = 0; i < 2; ++i)
-        {
-            store_lanes(colors_ + next_, word_lanes{});
-            if (places_too)
-                store_lanes(numbers_ + next_, int_lanes{});
-            next_ += kLanes;
-        }
-    }
+    static constexpr int kRowsBehind = 2;
 
 private:
-    using word_lanes = std::uint32_t __attribute__((vector_size(32)));
-    static int_lanes wrapping_sum(int_lanes a, word_lanes b) noexcept
+    // A colour's bytes and a place's number as one number. What is true of sums and differences of each is so of
+    // those of both, since colours wrap around, and no place is below 0.
+    static std::uint64_t both(std::int32_t color, int place) noexcept
     {
-        return reinterpret_cast<int_lanes>(reinterpret_cast<word_lanes>(a) + b);
+        return (std::uint64_t{static_cast<std::uint32_t>(color)} << 32U) + static_cast<std::uint64_t>(place);
     }
+    // Whether columns that cross boundary j go on to the place behind it.
+    bool goes_forward(int j) const noexcept { return inverse_[j] < 0.0f; }
+
+    // What it adds to a column that crosses it.
+    std::uint32_t step(int j, std::uint32_t) const noexcept { return color_step_[j]; }
+    std::uint64_t step(int j, std::uint64_t) const noexcept
+    {
+        return (std::uint64_t{color_step_[j]} << 32U) + (goes_forward(j) ? 1U : ~std::uint64_t{0});
+    }
+
+    // What all columns lie behind before their first row.
+    std::uint64_t start(std::uint64_t) const noexcept
+    {
+        return both(places_.color[low_], low_) + (behind_[high_] - behind_[low_]);
+    }
+    std::uint32_t start(std::uint32_t) const noexcept
+    {
+        return static_cast<std::uint32_t>(start(std::uint64_t{}) >> 32U);
+    }
+
+    // The boundaries to be noted, as numbers from .first to .last: for places all of them, for colours alone those
+    // between different ones.
+    span boundaries(std::uint64_t) const noexcept { return {1, high_ - low_}; }
+    span boundaries(std::uint32_t) const noexcept { return {changes_[low_], changes_[high_] - 1}; }
+    // Which one, counted from low_ on, a number means.
+    static int boundary(int number, std::uint64_t) noexcept { return number; }
+    int boundary(int number, std::uint32_t) const noexcept { return changing_[number] - low_; }
 
     static constexpr int kMostCells = 184;
     static constexpr float kFarthest = 300.0f; // pixels, of a pixel from its place
@@ -174,24 +260,20 @@ private:
 
     float centre_of(int row) const noexcept { return static_cast<float>(row) + 0.5f; }
 
-    // The largest squared distance of the block's pixels from their places, or more. That from one place is
-    // largest at one of the column's ends.
-    float farthest_squared(int_lanes above, int_lanes below) const noexcept
+    // From a pixel to the next, distance from what is nearest changes by no more than they are apart; that from
+    // one place is largest at one of a column's ends.
+    float farthest_of(int above, int below) const noexcept
     {
-        const lane_pixels t(at_);
-        const auto at_most = [&](int_lanes place)
+        const float center = static_cast<float>(at_ + kMiddle) + 0.5f;
+        const auto at_most = [&](int place)
         {
-            const float_lanes dm = t.centers - gather(places_.main, place);
-            const float_lanes cross = gather(places_.cross, place);
-            const float_lanes up = centre_of(row_) - cross;
-            const float_lanes down = centre_of(row_ + height_) - cross;
-            return dm * dm + higher_of(up * up, down * down);
+            const float dm = center - places_.main[place];
+            const float up = centre_of(row_) - places_.cross[place];
+            const float down = centre_of(row_ + height_) - places_.cross[place];
+            return dm * dm + std::max(up * up, down * down);
         };
-        const float_lanes squared = lower_of(at_most(above), at_most(below));
-        float most = squared[0];
-        for (int i = 1; i < kLanes; ++i)
-            most = std::max(most, squared[i]);
-        return most;
+        return std::sqrt(std::min(at_most(above), at_most(below))) * 1.00001f +
+               static_cast<float>(kLanes - kMiddle);
     }
 
     // Boundary j, between cells j - 1 and j: in the block's row y it lies left + move * y pixels behind a pixel
@@ -211,9 +293,7 @@ private:
             const float_lanes leaning = slope * (0.5f * ((cross - top) + (cross_before - top)));
             const int i = j - low_;
             store_lanes(left_ + i, 0.5f * ((main - origin) + (before - origin)) + leaning + 0.5f);
-            // Of what is behind the last one nothing is in doubt.
-            const float_lanes doubt = near_ * magnitude(load_lanes<float_lanes>(inverse_ + j));
-            store_lanes(doubt_ + i, kLaneNumbers <= high_ - j ? doubt : all_lanes(-1.0f));
+            store_lanes(doubt_ + i, near_ * magnitude(load_lanes<float_lanes>(inverse_ + j)));
             const int_lanes flat =
                 (magnitude(slope) <= kSteepest) & (magnitude(leaning) <= row_cells::kMostLeaning);
             steep |= (flat == 0) & (kLaneNumbers <= high_ - j);
@@ -239,101 +319,178 @@ private:
         return lane_bits(narrow) == 0;
     }
 
-    // In which of the rows column `lane` is first behind boundaries `begin` to `last`, counted from the row before
-    // the one before the first, and held to the rows from there to the second behind the last; and which of them
-    // may lie on a pixel's centre: how many those are.
-    int find_rows(int lane, span rows, int begin, int last) noexcept
+    // The row in which columns cross a boundary, counted from kRowsBefore before the first of those that are
+    // noted.
+    float_lanes crossing(float_lanes column, float_lanes left, float_lanes inverse) const noexcept
     {
-        const auto column = static_cast<float>(lane + 1);
-        const float shift = 2.0f - static_cast<float>(rows.first);
-        // What lies farther off is held half-way between rows, where nothing is in doubt.
-        const auto most = static_cast<float>(rows.last - rows.first) + 3.5f;
-        int doubts = 0;
-        for (int j = begin; j <= last; j += kLanes)
-        {
-            const int i = j - low_;
-            const float_lanes y =
-                (column - load_lanes<float_lanes>(left_ + i)) * load_lanes<float_lanes>(inverse_ + j);
-            const float_lanes held = lower_of(higher_of(y + shift, all_lanes(0.5f)), all_lanes(most));
-            const int_lanes row = whole(held);
-            store_lanes(starts_ + (j - begin), row);
-            const float_lanes past = held - __builtin_convertvector(row, float_lanes);
-            unsigned doubtful = lane_bits(magnitude(past - 0.5f) > 0.5f - load_lanes<float_lanes>(doubt_ + i));
-            for (; doubtful != 0; doubtful &= doubtful - 1)
-                doubts_[doubts++] = j + std::countr_zero(doubtful);
-        }
-        return doubts;
+        return (column - left) * inverse + shift_;
     }
 
-    // Decides the pixels of a column whose centres lie next to boundary j by distances as the rasteriser has them,
-    // where that is not what its steps say.
-    void settle(int lane, span rows, int j, int begin, bool places_too) noexcept
+    template <class Number>
+    static void add_each(Number* noted, int_lanes at, Number step) noexcept
     {
-        const float crossed =
-            (static_cast<float>(lane + 1) - left_[j - low_]) * inverse_[j] - static_cast<float>(rows.first);
-        const float doubt = doubt_[j - low_];
-        const auto last = static_cast<float>(rows.last - rows.first);
-        const auto from = static_cast<int>(std::ceil(std::clamp(crossed - doubt, 0.0f, last + 1.0f)));
-        const auto to = static_cast<int>(std::floor(std::clamp(crossed + doubt, -1.0f, last)));
-        const bool rises = above_[lane] <= below_[lane];
-        const int lowest = std::min(above_[lane], below_[lane]);
-        const int highest = std::max(above_[lane], below_[lane]);
-        const float center_main = static_cast<float>(at_ + lane) + 0.5f;
-        for (int row = from; row <= to; ++row)
-        {
-            const float center_cross = centre_of(row_ + rows.first + row);
-            const auto squared = [&](int place)
+        // Which of a pair comes first does not matter.
+        std::uint64_t pairs[kLanes / 2];
+        std::memcpy(pairs, &at, sizeof pairs);
+        unrolled<kLanes / 2>(
+            [&](int i)
             {
-                const float dm = center_main - places_.main[place];
-                const float dc = center_cross - places_.cross[place];
-                return dm * dm + dc * dc;
-            };
-            const int found = squared(j) < squared(j - 1) ? j : j - 1;
-            // Boundaries that the column does not cross have all of its pixels on one side.
-            int said = j <= lowest ? j : j - 1;
-            if (lowest < j && j <= highest)
-                said = (starts_[j - begin] <= row + 1) == rises ? j : j - 1;
-            if (found != said)
-                correct(lane, row, said, found, places_too);
-        }
+                noted[static_cast<std::uint32_t>(pairs[i])] += step;
+                noted[pairs[i] >> 32U] += step;
+            });
     }
 
-    void correct(int lane, int row, int said, int found, bool places_too) noexcept
+    // Notes the steps over boundary low_ + i. Answers in which columns there may be a pixel's centre on it.
+    template <class Number>
+    unsigned note_boundary(int i, Number* noted) noexcept
     {
-        const int at = (row + 1) * kLanes + lane;
-        const std::uint32_t change = found > said ? change_[found] : 0U - change_[said];
-        colors_[at] += change;
-        colors_[at + kLanes] -= change;
-        if (places_too)
+        const int j = low_ + i;
+        const float_lanes crossed = crossing(kColumns, all_lanes(left_[i]), all_lanes(inverse_[j]));
+        const float_lanes held = lower_of(higher_of(crossed, all_lanes(kNever)), all_lanes(most_));
+        const int_lanes row = whole(held);
+        add_each(noted, row * kLanes + step_sums<Number>::kOrder, step(j, Number{}));
+        const float doubt = doubt_[i];
+        if (doubt < kLong)
         {
-            numbers_[at] += found - said;
-            numbers_[at + kLanes] -= found - said;
+            const float_lanes past = held - __builtin_convertvector(row, float_lanes);
+            return lane_bits(magnitude(past - 0.5f) > 0.5f - doubt);
+        }
+        settle_long(i, lane_bits((crossed + doubt >= kRowsBefore) & (crossed - doubt <= most_ - 1.5f)), noted);
+        return 0;
+    }
+
+    // Pixels whose centres lie next to a boundary are decided by distances as the rasteriser has them, and
+    // corrected where their steps say something else: eight at once, each a number of a boundary, from low_ on,
+    // by kLanes, and a column.
+    template <class Number>
+    void settle_later(int pixel, Number* noted) noexcept
+    {
+        waiting_pixels_[waiting_++] = pixel;
+        if (waiting_ == kLanes)
+            settle_waiting(noted);
+    }
+
+    template <class Number>
+    void settle_waiting(Number* noted) noexcept
+    {
+        if (waiting_ == 0)
+            return;
+        std::fill(waiting_pixels_ + waiting_, waiting_pixels_ + kLanes, kLanes);
+        settle(load_lanes<int_lanes>(waiting_pixels_), waiting_, noted);
+        waiting_ = 0;
+    }
+
+    // Of such pixels, the first `count`.
+    template <class Number>
+    void settle(int_lanes pixels, int count, Number* noted) noexcept
+    {
+        const int_lanes i = pixels >> static_cast<std::int32_t>(kLaneBits);
+        const int_lanes lane = pixels & (kLanes - 1);
+        const int_lanes j = i + low_;
+        const float_lanes column = __builtin_convertvector(lane, float_lanes);
+        const float_lanes inverse = gather(inverse_, j);
+        const float_lanes held = lower_of(
+            higher_of(crossing(column + 1.0f, gather(left_, i), inverse), all_lanes(kNever)), all_lanes(most_));
+        const int_lanes first = whole(held);
+        const int_lanes row = whole(held + 0.5f) - static_cast<std::int32_t>(kRowsBefore);
+        const float_lanes center_main = (static_cast<float>(at_) + 0.5f) + column;
+        const float_lanes center_cross = centre_of(row_ + rows_.first) + __builtin_convertvector(row, float_lanes);
+        const auto squared = [&](int_lanes place)
+        {
+            const float_lanes dm = center_main - gather(places_.main, place);
+            const float_lanes dc = center_cross - gather(places_.cross, place);
+            return dm * dm + dc * dc;
+        };
+        const int_lanes nearer = squared(j) < squared(j - 1);
+        // Steps are made behind where a column crosses, to a place before or behind.
+        const int_lanes said = (first <= row + 1) == (inverse < 0.0f);
+        const int_lanes wrong =
+            (nearer != said) & (row >= 0) & (row <= rows_.last - rows_.first) & (kLaneNumbers < count);
+        for (unsigned left = lane_bits(wrong); left != 0; left &= left - 1)
+        {
+            const int n = std::countr_zero(left);
+            correct(j[n], lane[n], row[n], nearer[n] != 0, noted);
         }
     }
 
+    // The same of the columns of `lanes` for boundary i, in all rows where it may be in doubt.
+    template <class Number>
+    void settle_long(int i, unsigned lanes, Number* noted) noexcept
+    {
+        const int j = low_ + i;
+        const auto last = static_cast<float>(rows_.last - rows_.first);
+        for (; lanes != 0; lanes &= lanes - 1)
+        {
+            const int lane = std::countr_zero(lanes);
+            const float crossed = (static_cast<float>(lane + 1) - left_[i]) * inverse_[j] + shift_;
+            const auto first = static_cast<int>(std::clamp(crossed, kNever, most_));
+            const float above = crossed - kRowsBefore;
+            const auto from = static_cast<int>(std::ceil(std::clamp(above - doubt_[i], 0.0f, last + 1.0f)));
+            const auto to = static_cast<int>(std::floor(std::clamp(above + doubt_[i], -1.0f, last)));
+            const float center_main = static_cast<float>(at_ + lane) + 0.5f;
+            for (int row = from; row <= to; ++row)
+            {
+                const float center_cross = centre_of(row_ + rows_.first + row);
+                const auto squared = [&](int place)
+                {
+                    const float dm = center_main - places_.main[place];
+                    const float dc = center_cross - places_.cross[place];
+                    return dm * dm + dc * dc;
+                };
+                const bool nearer = squared(j) < squared(j - 1);
+                if (nearer != ((first <= row + 1) == goes_forward(j)))
+                    correct(j, lane, row, nearer, noted);
+            }
+        }
+    }
+
+    // Has a pixel behind boundary j, or before it, in this one row.
+    template <class Number>
+    void correct(int j, int lane, int row, bool behind, Number* noted) const noexcept
+    {
+        Number* const at = noted + (row + 1) * kLanes + step_sums<Number>::kOrder[lane];
+        const Number crossed = step(j, Number{});
+        const Number change = behind == goes_forward(j) ? crossed : 0 - crossed;
+        at[0] += change;
+        at[kLanes] -= change;
+    }
+
+    std::uint32_t* numbers_of(std::uint32_t) noexcept { return colors_; }
+    std::uint64_t* numbers_of(std::uint64_t) noexcept { return colors_and_places_; }
+
+    static constexpr float_lanes kColumns = {1.0f, 2.0f, 3.0f, 4.0f, 5.0f, 6.0f, 7.0f, 8.0f};
+    static constexpr float kRowsBefore = 2.0f;
+    static constexpr float kNever = 0.5f; // before all rows
+    static constexpr float kLong = 0.5f;  // rows
+    static constexpr int kMiddle = 3;     // of eight columns
     static constexpr int kRoom = kMostCells + 2 * kLanes;
     static constexpr int kNotes = (kMostRows + 4) * kLanes;
 
     const stroke_candidates& places_;
     float* slope_ = nullptr;
-    float* inverse_ = nullptr;        // rows that a boundary takes to move a pixel
-    std::uint32_t* change_ = nullptr; // of the colour's bytes from the place before
+    float* inverse_ = nullptr;            // rows that a boundary takes to move a pixel
+    std::uint32_t* color_step_ = nullptr; // what a column's colour changes by where it crosses a boundary downward
+    std::uint64_t* behind_ = nullptr;  // what the boundaries up to each add where columns lie behind them at first
+    std::int32_t* changing_ = nullptr; // boundaries between different colours
+    std::int32_t* changes_ = nullptr;  // and how many of them there are up to each
     int at_ = 0;
     int row_ = 0;
     int height_ = 0;
     int low_ = 0;
     int high_ = 0;
-    std::int32_t above_[kLanes] = {};
-    std::int32_t below_[kLanes] = {};
+    float farthest_ = 0.0f;
     float near_ = 0.0f; // a pixel's centre this near to a boundary may lie on either side of it
     // Of boundary low_ + number:
     float left_[kRoom] = {};
     float doubt_[kRoom] = {}; // rows around the crossing
-    std::int32_t starts_[kRoom] = {};
-    std::int32_t doubts_[kRoom] = {};
+    // Of the rows that are noted:
+    span rows_ = {0, -1};
+    float shift_ = 0.0f;
+    float most_ = 0.0f;
+    std::int32_t waiting_pixels_[kLanes] = {};
+    int waiting_ = 0;
     // Row by row, eight columns each, from the row before the first on: what is added there.
-    std::uint32_t colors_[kNotes] = {};
-    std::int32_t numbers_[kNotes] = {};
-    int next_ = 0; // of them to be read
+    alignas(32) std::uint32_t colors_[kNotes] = {};
+    alignas(32) std::uint64_t colors_and_places_[kNotes] = {};
 };
 } // namespace

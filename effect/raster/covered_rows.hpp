@@ -57,13 +57,16 @@ public:
         return rows(found);
     }
 
-    // The same where the nearest place is one of those from `begin` up to but not `end`, with discs around two of
-    // them for each lane.
-    row_lanes beside(const lane_pixels& t, int begin, int end, int_lanes one, int_lanes other) const noexcept
+    // The same where the nearest place is one of those from `begin` up to but not `end`, all inside, and no
+    // farther off than `farthest`; with discs around two of them for each lane.
+    row_lanes beside(const lane_pixels& t, int begin, int end, float farthest, int_lanes one,
+                     int_lanes other) const noexcept
     {
         const float radius = sure_radius(begin, end);
         if (!(radius > kWorthwhile))
             return none();
+        if (farthest < radius)
+            return {all_lanes(0), all_lanes(across_ - 1)};
         disc_rows found(radius);
         add(t, one, &found);
         add(t, other, &found);

@@ -200,7 +200,11 @@ private:
                 const float_lanes dc = static_cast<float>(row) + 0.5f - gather(places.cross, place);
                 nearest_lanes near = {place, dm * dm + dc * dc};
                 const unsigned rim = needed & ~sure & lane_bits(near.squared < reach.squared);
-                return (needed & sure) | shaded(places, t, all_lanes(row), rim, near, color);
+                if (doubtful(places, t, all_lanes(row), rim, near) != 0)
+                    return (needed & sure) | shaded(places, t, all_lanes(row), rim, near, color);
+                const float_lanes radius = gather(places.radius, place);
+                return (needed & sure) |
+                       (rim & lane_bits(shade_.shade(near.squared, radius, along_y_ ? dm : dc, color)));
             },
             [&](nearest_place& nearest, stroke_tile& t, int row, unsigned needed)
             { return decide(nearest, places, t, row, needed); });

@@ -23,7 +23,7 @@ public:
     stroke_blocks(const stroke_candidates& places, const stroke_canvas& canvas, const stroke_windows& windows,
                   const covered_rows& covered, const swept_plane& plane, float widest) noexcept
         : places_(places), canvas_(canvas), windows_(windows), covered_(covered), plane_(plane), reach_(widest),
-          height_(reach_.distance < 24.0f ? 24 : column_steps::kMostRows), steps_(places), crowd_(places)
+          steps_(places), crowd_(places)
     {
     }
 
@@ -38,10 +38,11 @@ public:
         last_ = swept_last;
         tiles_ = (canvas_.size + kLanes - 1) / kLanes;
         rows_ = memory.take<span>(tiles_);
-        if (rows_ == nullptr || !steps_.take(memory) ||
-            !edges_[0].take(places_, canvas_.size, row_cells::detail::pixels, memory) ||
-            !edges_[1].take(places_, canvas_.size, row_cells::detail::pixels, memory))
+        if (rows_ == nullptr || !steps_.take(memory))
             return false;
+        for (row_cells* cells : {&edges_[0], &edges_[1], &halves_[0], &halves_[1]})
+            if (!cells->take(places_, canvas_.size, row_cells::detail::pixels, memory))
+                return false;
         nearest_place ahead(places_, reach_, canvas_.across);
         for (int tile = 0; tile < tiles_; ++tile)
             rows_[tile] = rows_of(tile, ahead);
@@ -56,14 +57,14 @@ public:
     void draw(Paint paint, Search search) noexcept
     {
         int found = -1; // the last row whose cells are known
-        for (int top = 0; top < canvas_.across; top += height_)
+        for (int top = 0; top < canvas_.across; top += kHeight)
         {
-            const span all = {top, top + height_ - 1};
+            const span all = {top, top + kHeight - 1};
             if (!any_in(all))
                 continue;
             if (found != top)
                 edge(top).find(places_, steps_.slopes(), top);
-            found = top + height_;
+            found = top + kHeight;
             edge(found).find(places_, steps_.slopes(), found);
             nearest_place nearest(places_, reach_, canvas_.across);
             for (int tile = 0; tile < tiles_; ++tile)
@@ -71,29 +72,27 @@ public:
                 const span rows = {std::max(rows_[tile].first, all.first), std::min(rows_[tile].last, all.last)};
                 if (rows.first > rows.last)
                     continue;
-                lane_pixels t(tile * kLanes);
                 written_ = 0;
-                written_at_ = t.at;
+                written_at_ = tile * kLanes;
                 written_tile_ = canvas_.tile_across(rows.first);
-                const bool known = find_ends(top, t.at);
-                if (known && enter(top, tile, &t))
-                    draw_columns(t, top, rows, paint);
-                else if (known && enter_crowd(top, tile, &t))
-                    draw_crowd(t, rows, paint);
-                else
-                    draw_rows(tile, rows, nearest, search);
-                canvas_.mark(t.at, written_tile_, written_);
+                waiting_ = 0;
+                wait({tile, top, kHeight, 0, &edge(top), &edge(found), 0, places_.count - 1});
+                while (waiting_ > 0)
+                    draw_block(waiting_blocks_[--waiting_], rows, nearest, paint, search);
+                canvas_.mark(written_at_, written_tile_, written_);
             }
         }
     }
 
 private:
     static constexpr int kMostSpread = 512; // places looked through for one that has cells
+    static constexpr int kMostHalvings = 2;
+    static constexpr int kHeight = column_steps::kMostRows; // of a block, before it is halved
 
     int lanes_of(int tile) const noexcept { return std::min(kLanes, canvas_.size - tile * kLanes); }
 
     // The cells of a row between blocks.
-    row_cells& edge(int row) noexcept { return edges_[row / height_ % 2]; }
+    row_cells& edge(int row) noexcept { return edges_[row / kHeight % 2]; }
 
     bool any_in(span all) const noexcept
     {
@@ -120,61 +119,106 @@ private:
         return rows;
     }
 
-    // Finds the places that those nearest to the pixels of a tile's block lie between. False where they lie too
-    // far apart.
+    // Some rows of a tile, between two whose cells are known.
+    struct block
+    {
+        int tile;
+        int top;
+        int height;
+        int halvings;           // that it comes from
+        const row_cells* above; // of row `top`
+        const row_cells* below; // of row `top` + `height`
+        int lowest;             // places that those nearest to its pixels lie between
+        int highest;
+    };
+
+    void wait(const block& b) noexcept { waiting_blocks_[waiting_++] = b; }
+
+    // Draws what there is of `all` rows in a block, or has its halves wait.
+    template <class Paint, class Search>
+    void draw_block(block b, span all, nearest_place& nearest, Paint paint, Search search) noexcept
+    {
+        const span rows = {std::max(all.first, b.top), std::min(all.last, b.top + b.height - 1)};
+        if (rows.first > rows.last)
+            return;
+        lane_pixels t(b.tile * kLanes);
+        const bool known = find_ends(b, t.at);
+        if (known && enter(b, &t))
+            draw_columns(t, b.top, rows, paint);
+        else if (known && b.halvings < kMostHalvings)
+            halve(b);
+        else if (known && enter_crowd(b, &t))
+            draw_crowd(t, rows, paint);
+        else
+            draw_rows(b.tile, rows, nearest, search);
+    }
+
+    // In half of a block, more places may have cells all through, and fewer have any. Only those that were found
+    // for the whole are looked at.
+    void halve(const block& b) noexcept
+    {
+        const int half = b.height / 2;
+        const int middle = b.top + half;
+        const int at = b.tile * kLanes;
+        row_cells& between = halves_[b.halvings];
+        between.find(places_, steps_.slopes(), middle, 0.0f, {low_, high_}, {at, at + kLanes - 1});
+        wait({b.tile, middle, b.height - half, b.halvings + 1, &between, b.below, low_, high_});
+        wait({b.tile, b.top, half, b.halvings + 1, b.above, &between, low_, high_});
+    }
+
+    // Finds the places that those nearest to the pixels of a block lie between. False where they lie too far
+    // apart.
     //
     // Of the pixels before the tile, take the lower one of the nearest places in the block's first row and in the
     // row behind its last. If it has a cell in both rows, that is at the pixel in one and no farther along in the
     // other. A cell is convex, so it has one in every row between, before the tile; and along a row places follow
     // each other.
-    bool find_ends(int top, int at) noexcept
+    bool find_ends(const block& b, int at) noexcept
     {
-        const row_cells& above = edge(top);
-        const row_cells& below = edge(top + height_);
-        low_ = std::min(above.at(at - 1), below.at(at - 1));
-        high_ = std::max(above.at(at + kLanes), below.at(at + kLanes));
-        const int lowest = std::max(low_ - kMostSpread, 0);
-        const int highest = std::min(high_ + kMostSpread, places_.count - 1);
+        low_ = std::min(b.above->at(at - 1), b.below->at(at - 1));
+        high_ = std::max(b.above->at(at + kLanes), b.below->at(at + kLanes));
+        const int lowest = std::max(low_ - kMostSpread, b.lowest);
+        const int highest = std::min(high_ + kMostSpread, b.highest);
         in_order_ = true;
-        for (; low_ >= lowest && !(above.has(low_) && below.has(low_)); --low_)
+        for (; low_ > lowest && !(b.above->has(low_) && b.below->has(low_)); --low_)
             in_order_ = false;
-        for (; high_ <= highest && !(above.has(high_) && below.has(high_)); ++high_)
+        for (; high_ < highest && !(b.above->has(high_) && b.below->has(high_)); ++high_)
             in_order_ = false;
-        return low_ >= lowest && high_ <= highest;
+        return (low_ == b.lowest || low_ > lowest) && (high_ == b.highest || high_ < highest);
     }
 
     // Whether each of those places has a cell all through the block.
-    bool enter(int top, int tile, lane_pixels* t) noexcept
+    bool enter(const block& b, lane_pixels* t) noexcept
     {
-        const int_lanes above = edge(top).lanes_at(t->at);
-        const int_lanes below = edge(top + height_).lanes_at(t->at);
-        if (!in_order_ || !steps_.enter(t->at, top, height_, low_, high_, above, below))
+        const int_lanes above = b.above->lanes_at(t->at);
+        const int_lanes below = b.below->lanes_at(t->at);
+        if (!in_order_ || !steps_.enter(t->at, b.top, b.height, low_, high_, above, below))
             return false;
         t->all_inside = windows_.all_inside(places_, low_, high_ + 1);
-        set_lanes(*t, tile, above, below);
+        set_lanes(*t, b.tile, above, below);
         return true;
     }
 
     // Collects those of the places that may have a cell anywhere in the block: one that has none in either of the
     // two rows and lies between them itself, or that has one. Of a place that lies beyond one of the rows, what is
     // nearest to it is cut by that row first. False where they are too many.
-    bool enter_crowd(int top, int tile, lane_pixels* t) noexcept
+    bool enter_crowd(const block& b, lane_pixels* t) noexcept
     {
-        const row_cells& above = edge(top);
-        const row_cells& below = edge(top + height_);
-        if (!steps_.near_enough(t->at, top, height_, above.lanes_at(t->at), below.lanes_at(t->at)))
+        const int_lanes above = b.above->lanes_at(t->at);
+        const int_lanes below = b.below->lanes_at(t->at);
+        if (!steps_.near_enough(t->at, b.top, b.height, above, below))
             return false;
-        const auto first = static_cast<float>(top);
-        const auto last = static_cast<float>(top + height_ + 1);
+        const auto first = static_cast<float>(b.top);
+        const auto last = static_cast<float>(b.top + b.height + 1);
         crowd_.clear();
         for (int j = low_; j <= high_; ++j)
         {
             const float cross = places_.cross[j];
-            if ((!above.lacks(j) || !below.lacks(j) || (first <= cross && cross <= last)) && !crowd_.add(j))
+            if ((!b.above->lacks(j) || !b.below->lacks(j) || (first <= cross && cross <= last)) && !crowd_.add(j))
                 return false;
         }
         t->all_inside = windows_.all_inside(places_, low_, high_ + 1);
-        set_lanes(*t, tile, above.lanes_at(t->at), below.lanes_at(t->at));
+        set_lanes(*t, b.tile, above, below);
         return true;
     }
 
@@ -195,12 +239,9 @@ private:
         }
         sure_ = {all_lanes(canvas_.across), all_lanes(-1)};
         if (t.all_inside && !plane_.holed(t.at))
-            sure_ = covered_.beside(t, low_, high_ + 1, above, below);
+            sure_ = covered_.beside(t, low_, high_ + 1, steps_.farthest(), above, below);
         sure_ = {higher_of(sure_.first, needed_.first), lower_of(sure_.last, needed_.last)};
-        all_sure_ = {sure_.first[0], sure_.last[0]};
-        for (int i = 1; i < kLanes; ++i)
-            all_sure_ = {std::max(all_sure_.first, static_cast<int>(sure_.first[i])),
-                         std::min(all_sure_.last, static_cast<int>(sure_.last[i]))};
+        all_sure_ = {most(sure_.first), least(sure_.last)};
     }
 
     template <class Paint>
@@ -209,43 +250,53 @@ private:
         span covered = {std::max(rows.first, all_sure_.first), std::min(rows.last, all_sure_.last)};
         if (covered.first > covered.last)
             covered = {rows.last + 1, rows.last};
-        const bool rims = covered.first > rows.first || covered.last < rows.last;
-        for (int lane = 0; lane < lanes_of(t.at / kLanes); ++lane)
-            steps_.note(lane, {rows.first - top, rows.last - top}, rims);
-        column_steps::sums now = steps_.begin(rims);
+        if (covered.first == rows.first && covered.last == rows.last)
+        {
+            auto now = steps_.note<std::uint32_t>({rows.first - top, rows.last - top});
+            draw_inside(t, covered, now);
+            finish(now);
+            return;
+        }
+        auto now = steps_.note<std::uint64_t>({rows.first - top, rows.last - top});
         draw_rims(t, {rows.first, covered.first - 1}, now, paint);
-        draw_inside(t, covered, now, rims);
+        draw_inside(t, covered, now);
         draw_rims(t, {covered.last + 1, rows.last}, now, paint);
-        steps_.finish(rims);
+        finish(now);
+    }
+
+    template <class Sums>
+    static void finish(Sums& now) noexcept
+    {
+        for (int row = 0; row < column_steps::kRowsBehind; ++row)
+            now.advance();
     }
 
     // Rows of eight pixels, all of them covered.
-    void draw_inside(const lane_pixels& t, span rows, column_steps::sums& now, bool rims) noexcept
+    template <class Sums>
+    void draw_inside(const lane_pixels& t, span rows, Sums& now) noexcept
     {
+        Sums here = now; // in registers
+        const auto next = [&here]
+        {
+            here.advance();
+            return here.colors();
+        };
         int row = rows.first;
         if (canvas_.fills_across())
             for (; row + kLanes <= rows.last + 1; row += kLanes)
             {
                 int_lanes square[kLanes];
-                for (int_lanes& colors : square)
-                {
-                    steps_.advance(now, rims);
-                    colors = now.color;
-                }
+                unrolled<kLanes>([&](int i) { square[i] = next(); });
                 turn(square);
                 canvas_.store_square(t.at, row, square);
             }
-        for (; row <= rows.last; ++row)
+        canvas_.store_rows(t.at, {row, rows.last}, next);
+        now = here;
+        while (rows.first <= rows.last)
         {
-            steps_.advance(now, rims);
-            canvas_.store(t.at, row, 0xff, now.color);
-        }
-        // Most lie in one tile of the canvas.
-        if (rows.first <= rows.last && canvas_.tile_across(rows.first) == canvas_.tile_across(rows.last))
             note(rows.first, 0xff);
-        else
-            for (row = rows.first; row <= rows.last; ++row)
-                note(row, 0xff);
+            rows.first = canvas_.tile_rows(written_tile_).last + 1;
+        }
     }
 
     template <class Paint>
@@ -258,13 +309,13 @@ private:
     }
 
     template <class Paint>
-    void draw_rims(const lane_pixels& t, span rows, column_steps::sums& now, Paint paint) noexcept
+    void draw_rims(const lane_pixels& t, span rows, step_sums<std::uint64_t>& now, Paint paint) noexcept
     {
         for (int row = rows.first; row <= rows.last; ++row)
         {
-            steps_.advance(now, true);
+            now.advance();
             draw_row(
-                t, row, [&] { return now.place; }, [&](int_lanes) { return now.color; }, paint);
+                t, row, [&] { return now.places(); }, [&](int_lanes) { return now.colors(); }, paint);
         }
     }
 
@@ -335,23 +386,28 @@ private:
     static void turn(int_lanes* a) noexcept
     {
         int_lanes b[kLanes];
-        for (int k = 0; k < kLanes; k += 2)
-        {
-            b[k] = __builtin_shufflevector(a[k], a[k + 1], 0, 8, 1, 9, 4, 12, 5, 13);
-            b[k + 1] = __builtin_shufflevector(a[k], a[k + 1], 2, 10, 3, 11, 6, 14, 7, 15);
-        }
-        for (int k = 0; k < kLanes; k += 4)
-            for (int m = 0; m < 2; ++m)
+        unrolled<4>(
+            [&](int n)
             {
+                const int k = 2 * n;
+                b[k] = __builtin_shufflevector(a[k], a[k + 1], 0, 8, 1, 9, 4, 12, 5, 13);
+                b[k + 1] = __builtin_shufflevector(a[k], a[k + 1], 2, 10, 3, 11, 6, 14, 7, 15);
+            });
+        unrolled<4>(
+            [&](int n)
+            {
+                const int k = n / 2 * 4;
+                const int m = n % 2;
                 a[k + 2 * m] = __builtin_shufflevector(b[k + m], b[k + m + 2], 0, 1, 8, 9, 4, 5, 12, 13);
                 a[k + 2 * m + 1] = __builtin_shufflevector(b[k + m], b[k + m + 2], 2, 3, 10, 11, 6, 7, 14, 15);
-            }
-        for (int k = 0; k < 4; ++k)
-        {
-            b[k] = __builtin_shufflevector(a[k], a[k + 4], 0, 1, 2, 3, 8, 9, 10, 11);
-            b[k + 4] = __builtin_shufflevector(a[k], a[k + 4], 4, 5, 6, 7, 12, 13, 14, 15);
-        }
-        std::copy_n(b, kLanes, a);
+            });
+        unrolled<4>(
+            [&](int k)
+            {
+                b[k] = __builtin_shufflevector(a[k], a[k + 4], 0, 1, 2, 3, 8, 9, 10, 11);
+                b[k + 4] = __builtin_shufflevector(a[k], a[k + 4], 4, 5, 6, 7, 12, 13, 14, 15);
+            });
+        unrolled<kLanes>([&](int k) { a[k] = b[k]; });
     }
 
     const stroke_candidates& places_;
@@ -360,9 +416,11 @@ private:
     const covered_rows& covered_;
     const swept_plane& plane_;
     stroke_reach reach_;
-    int height_; // of a block
     column_steps steps_;
     row_cells edges_[2]; // of the block at work, those that begin in even rows of blocks and the others
+    row_cells halves_[kMostHalvings];         // rows in the middle of blocks that are halved
+    block waiting_blocks_[kMostHalvings + 1]; // of the tile at work, the last one first
+    int waiting_ = 0;
     place_crowd crowd_;
     int low_ = 0; // of the tile's block at work: the places that its pixels' nearest ones lie between,
     int high_ = 0;

@@ -58,11 +58,39 @@ public:
             store_lanes(to, bits == 0xff ? colors : lanes_of_bits(bits) ? colors : load_lanes<int_lanes>(to));
             return;
         }
+        if (bits == 0xff && main_at + kLanes <= size)
+        {
+            auto* to = reinterpret_cast<unsigned char*>(pixel(main_at, cross_at));
+            const std::ptrdiff_t row_bytes = creator_.rowBytes;
+            unrolled<kLanes>(
+                [&](int i)
+                {
+                    const std::int32_t color = colors[i];
+                    std::memcpy(to + i * row_bytes, &color, sizeof color);
+                });
+            return;
+        }
         for (unsigned left = bits; left != 0; left &= left - 1)
         {
             const int lane = std::countr_zero(left);
             *pixel(main_at + lane, cross_at) = std::bit_cast<PF_Pixel>(static_cast<std::int32_t>(colors[lane]));
         }
+    }
+
+    // Rows of a tile that is whole, each with the bytes of its pixels that next() answers.
+    template <class Next>
+    void store_rows(int main_at, span rows, Next next) const noexcept
+    {
+        if (along_y_)
+        {
+            for (int row = rows.first; row <= rows.last; ++row)
+                store(main_at, row, 0xff, next());
+            return;
+        }
+        auto* at = reinterpret_cast<unsigned char*>(pixel(main_at, rows.first));
+        const std::ptrdiff_t row_bytes = creator_.rowBytes;
+        for (int row = rows.first; row <= rows.last; ++row, at += row_bytes)
+            store_lanes(reinterpret_cast<PF_Pixel*>(at), next());
     }
 
     // The lanes of `bits`, each in its own row.
@@ -79,8 +107,8 @@ public:
     void store_square(int main_at, int cross_at, const int_lanes* colors) const noexcept
     {
         auto* at = reinterpret_cast<unsigned char*>(pixel(main_at, cross_at));
-        for (int i = 0; i < kLanes; ++i, at += creator_.rowBytes)
-            store_lanes(reinterpret_cast<PF_Pixel*>(at), colors[i]);
+        const std::ptrdiff_t row_bytes = creator_.rowBytes;
+        unrolled<kLanes>([&](int i) { store_lanes(reinterpret_cast<PF_Pixel*>(at + i * row_bytes), colors[i]); });
     }
 
     // Row `cross_at` of a panel: the pixels of `mask`, bit i at main position `main_at` + i.

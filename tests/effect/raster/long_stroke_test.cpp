@@ -41,6 +41,7 @@ enum class paint
 {
     any,
     plain, // one colour, mostly covering in full
+    runs,  // of a colour, and few colours: many neighbours share one
 };
 
 struct plan
@@ -79,6 +80,11 @@ scene any_frame(dice& d, const plan& p)
     {
         s.one_color = true;
         s.core_opacity = d.once_in(12) ? s.core_opacity : 1.0f;
+    }
+    if (p.with == paint::runs)
+    {
+        s.one_color = false;
+        s.core_opacity = d.once_in(6) ? s.core_opacity : 1.0f;
     }
     return s;
 }
@@ -210,6 +216,7 @@ scene long_scene(unsigned seed, const plan& p)
         last = main - step * static_cast<float>(d.whole(1, 24));
     const path way(d, p, s, radius, main, last);
     const auto alpha = static_cast<A_u_char>(d.whole(128, 255));
+    const int run = p.with == paint::runs ? d.whole(2, 30) : 1;
     const float first = main;
     int i = 0;
     for (; main > last || i == 0; main -= step, ++i)
@@ -228,7 +235,13 @@ scene long_scene(unsigned seed, const plan& p)
         else if (kind == radii::rough)
             share = d.real(0.0f, 1.0f);
         point.halfWidth = radius - less * share;
-        point.color = {alpha, static_cast<A_u_char>(i % 256), static_cast<A_u_char>(i / 256), 77};
+        if (p.with != paint::runs)
+            point.color = {alpha, static_cast<A_u_char>(i % 256), static_cast<A_u_char>(i / 256), 77};
+        else if (i == 0 || d.once_in(run))
+            point.color = {alpha, static_cast<A_u_char>(80 * d.whole(0, 2)), 255,
+                           static_cast<A_u_char>(d.whole(0, 1))};
+        else
+            point.color = s.points.back().color;
         s.points.push_back(point);
     }
     return s;
@@ -362,6 +375,9 @@ INSTANTIATE_TEST_SUITE_P(
         family{"leaving", {course::leaving, 1200, 90.0f}, 8}, family{"brief", {course::brief, 300, 120.0f}, 16},
         family{"narrow", {course::narrow, 900, 150.0f}, 30}, family{"thin", {course::gentle, 1200, 6.5f}, 12},
         family{"thin_and_tight", {course::tight, 700, 6.5f}, 12},
+        family{"runs", {course::gentle, 1600, 200.0f, paint::runs}, 8},
+        family{"tight_runs", {course::tight, 700, 120.0f, paint::runs}, 8},
+        family{"runs_on_the_grid", {course::grid, 700, 100.0f, paint::runs}, 8},
         family{"plain_gentle", {course::gentle, 1600, 200.0f, paint::plain}, 10},
         family{"plain_tight", {course::tight, 700, 120.0f, paint::plain}, 12},
         family{"plain_arcs", {course::arc, 900, 160.0f, paint::plain}, 12},
