@@ -29,6 +29,7 @@ const suite kSuites[] = {
     {"wide_strokes", "radius 200 against radius 20", bench::time_wide_strokes, true},
     {"frames", "whole frames, fast against plain", bench::time_frames, true},
     {"frame_matrix", "whole frames at three sizes and both qualities", bench::time_frame_matrix, false},
+    {"jobs", "frames in a row on one job and on two", bench::time_jobs, false},
     {"looks", "a frame of every look", bench::time_looks, false},
     {"layout", "stages of a line: sampling, ripples, crossings", bench::time_layout, false},
     {"raster", "stages of a stroke: swept boxes, pixel functions, flushing", bench::time_raster, false},

@@ -13,6 +13,8 @@ void time_wide_strokes(run& r);
 void time_frames(run& r);
 // The same frames at three sizes and both qualities, the effect's part and the host's.
 void time_frame_matrix(run& r);
+// Frames in a row on one job and on two.
+void time_jobs(run& r);
 // A frame of every look.
 void time_looks(run& r);
 // A line from its ripple to its samples, stage by stage.

@@ -48,20 +48,6 @@ host::composition composition_of(int width, int height, PF_Quality quality)
     return comp;
 }
 
-host::param_tracks values_of(const frame_scene& scene, const host::composition& comp)
-{
-    const std::vector<host::param_info>& params = clocked_effect().params();
-    host::param_tracks values(params);
-    if (!scene.look.empty())
-        host::load_preset(scene.look, params, comp, values);
-    for (const auto& [label, text] : scene.settings)
-    {
-        const host::param_info& info = host::find_param(params, label);
-        values.set(info.index, host::parse_value(info, text));
-    }
-    return values;
-}
-
 // Soft colours, to be displaced.
 std::vector<std::uint8_t> input_picture(int width, int height)
 {
@@ -143,9 +129,24 @@ const frame_scene& frame_scene_named(const std::string& name)
     throw std::runtime_error("there is no scene \"" + name + "\"");
 }
 
+host::param_tracks scene_values(const frame_scene& scene, const host::plugin& effect,
+                                const host::composition& comp)
+{
+    const std::vector<host::param_info>& params = effect.params();
+    host::param_tracks values(params);
+    if (!scene.look.empty())
+        host::load_preset(scene.look, params, comp, values);
+    for (const auto& [label, text] : scene.settings)
+    {
+        const host::param_info& info = host::find_param(params, label);
+        values.set(info.index, host::parse_value(info, text));
+    }
+    return values;
+}
+
 frame_case::frame_case(const frame_scene& scene, int width, int height, PF_Quality quality)
-    : comp_(composition_of(width, height, quality)), values_(values_of(scene, comp_)), frame_(scene.frame),
-      input_(input_picture(width, height)), output_(input_.size())
+    : comp_(composition_of(width, height, quality)), values_(scene_values(scene, clocked_effect(), comp_)),
+      frame_(scene.frame), input_(input_picture(width, height)), output_(input_.size())
 {
 }
 

@@ -26,6 +26,10 @@ const std::vector<frame_scene>& frame_scenes();
 std::vector<frame_scene> look_scenes();
 const frame_scene& frame_scene_named(const std::string& name);
 
+// Its values, of the effect's parameters.
+host::param_tracks scene_values(const frame_scene& scene, const host::plugin& effect,
+                                const host::composition& comp);
+
 // A scene at a size and quality, ready to be drawn again and again.
 class frame_case
 {
