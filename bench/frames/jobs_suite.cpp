@@ -50,7 +50,8 @@ frames_drawn draw_frames(const host::plugin& effect, const comparison& c, int jo
                         [&](std::int32_t, host::const_image_view output)
                         {
                             // A row is enough to tell frames apart, and costs nothing beside them.
-                            const std::uint8_t* const row = output.argb + static_cast<std::ptrdiff_t>(output.height / 2) * output.rowbytes;
+                            const std::uint8_t* const row =
+                                output.argb + static_cast<std::ptrdiff_t>(output.height / 2) * output.rowbytes;
                             for (int i = 0; i < output.width * 4; ++i)
                                 drawn.picture = drawn.picture * 31 + row[i];
                         });

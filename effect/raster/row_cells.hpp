@@ -150,6 +150,15 @@ private:
         words[number / 64] |= std::uint64_t{1} << static_cast<unsigned>(number % 64);
     }
 
+    // Numbers from `first` on, one for each of eight bits.
+    static void set_eight(std::uint64_t* words, int first, unsigned bits) noexcept
+    {
+        const auto shift = static_cast<unsigned>(first % 64);
+        words[first / 64] |= std::uint64_t{bits} << shift;
+        if (shift > 64 - kLanes && bits >> (64 - shift) != 0)
+            words[first / 64 + 1] |= bits >> (64 - shift);
+    }
+
     // How far along each bisector is off the middle of its two places.
     void lean(const float* slope) noexcept
     {
@@ -186,18 +195,18 @@ private:
             const unsigned doubtful = lane_bits(((exact & (width >= wide_)) == 0) & (kLaneNumbers < inner - j));
             if (doubtful == 0)
                 continue;
-            const unsigned none = lane_bits(exact & (width <= kSurelyNone));
-            const unsigned clearly = lane_bits(exact & (width <= static_cast<float>(-2.0 * kClearly)));
-            for (unsigned left = doubtful; left != 0; left &= left - 1)
+            const unsigned none = doubtful & lane_bits(exact & (width <= kSurelyNone));
+            const unsigned clearly = doubtful & lane_bits(exact & (width <= static_cast<float>(-2.0 * kClearly)));
+            set_eight(unsure_, j, doubtful);
+            set_eight(dropped_, j, none);
+            set_eight(absent_, j, clearly);
+            gaps = gaps || none != 0;
+            for (unsigned left = doubtful & ~none; left != 0; left &= left - 1)
             {
-                const int lane = std::countr_zero(left);
-                const unsigned lane_bit = 1U << static_cast<unsigned>(lane);
-                set(unsure_, j + lane);
-                if ((none & lane_bit) == 0 && boundary(j + lane - 1, j + lane) < boundary(j + lane, j + lane + 1))
+                const int here = j + std::countr_zero(left);
+                if (boundary(here - 1, here) < boundary(here, here + 1))
                     continue;
-                set(dropped_, j + lane);
-                if ((clearly & lane_bit) != 0)
-                    set(absent_, j + lane);
+                set(dropped_, here);
                 gaps = true;
             }
         }
