@@ -19,10 +19,18 @@ class in_front_rows
 public:
     static void blend(const rows_on_rows& rows)
     {
+        // Processors see by themselves where long rows go on.
+        const bool short_rows = rows.width <= 256;
+        for (int y = 0; short_rows && y < rows_ahead; ++y)
+            fetch_row(rows, y);
         const auto* src = reinterpret_cast<const char*>(rows.src);
         auto* dst = reinterpret_cast<char*>(rows.dst);
         for (int y = 0; y < rows.height; ++y, src += rows.src_rowbytes, dst += rows.dst_rowbytes)
+        {
+            if (short_rows)
+                fetch_row(rows, y + rows_ahead);
             blend_row(reinterpret_cast<const PF_Pixel*>(src), reinterpret_cast<PF_Pixel*>(dst), rows.width);
+        }
     }
 
 private:
@@ -32,6 +40,22 @@ private:
     using half = typename v::half;
     using real = typename v::real;
     static constexpr int wide = 4 * v::count;
+    static constexpr int rows_ahead = 4; // as long as memory takes to answer
+
+    // Asks memory for a row, if there is such a one.
+    [[gnu::always_inline]] static void fetch_row(const rows_on_rows& rows, int y)
+    {
+        constexpr int cache_line = 64;
+        if (y >= rows.height)
+            return;
+        const auto* src = reinterpret_cast<const char*>(rows.src) + y * rows.src_rowbytes;
+        const auto* dst = reinterpret_cast<const char*>(rows.dst) + y * rows.dst_rowbytes;
+        for (int i = 0; i < 4 * rows.width; i += cache_line)
+        {
+            __builtin_prefetch(src + i);
+            __builtin_prefetch(dst + i, 1);
+        }
+    }
 
     [[gnu::always_inline]] static void blend_row(const PF_Pixel* src, PF_Pixel* dst, int count)
     {
