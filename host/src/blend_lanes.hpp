@@ -62,25 +62,63 @@ private:
         int x = 0;
         for (; x + wide <= count; x += wide)
             if (!blend_alike(src + x, dst + x))
-                for (int i = 0; i < wide; i += v::count)
-                    blend_vector(src + x + i, dst + x + i);
+                for (int i = 0; i < wide; i += 2 * v::count)
+                    blend_two_vectors(src + x + i, dst + x + i);
         // Where all is nothing or all is full cover, it does no harm to blend some pixels again.
         if (x == count || (count >= wide && blend_alike(src + count - wide, dst + count - wide)))
             return;
+        for (; x + 2 * v::count <= count; x += 2 * v::count)
+            blend_two_vectors(src + x, dst + x);
         for (; x + v::count <= count; x += v::count)
             blend_vector(src + x, dst + x);
         if (x < count)
             blend_few(src + x, dst + x, count - x);
     }
 
+    [[gnu::always_inline]] static void blend_two_vectors(const PF_Pixel* src, PF_Pixel* dst)
+    {
+#if defined(__AVX2__)
+        if constexpr (Bytes == 32)
+        {
+            const word s[2] = {v::load(src), v::load(src + v::count)};
+            const word d[2] = {v::load(dst), v::load(dst + v::count)};
+            if (v::all_zero(~(d[0] & d[1]) & 0xff))
+            {
+                v::store(dst, onto_opaque(s[0], d[0], s[0] & 0xff));
+                v::store(dst + v::count, onto_opaque(s[1], d[1], s[1] & 0xff));
+                return;
+            }
+            if (v::all_zero(dividing(s[0], d[0]) | dividing(s[1], d[1])))
+            {
+                blend_undivided(s[0], d[0], dst);
+                blend_undivided(s[1], d[1], dst + v::count);
+                return;
+            }
+            const auto result =
+                in_front_halves::blend({(__m256i)s[0], (__m256i)s[1]}, {(__m256i)d[0], (__m256i)d[1]});
+            v::store(dst, (word)result.first);
+            v::store(dst + v::count, (word)result.second);
+            return;
+        }
+#endif
+        blend_vector(src, dst);
+        blend_vector(src + v::count, dst + v::count);
+    }
+
     [[gnu::always_inline]] static void blend_vector(const PF_Pixel* src, PF_Pixel* dst)
     {
         const word s = v::load(src);
         const word d = v::load(dst);
+        if (any_divides(s, d))
+            v::store(dst, onto_any(s, d));
+        else
+            blend_undivided(s, d, dst);
+    }
+
+    [[gnu::always_inline]] static void blend_undivided(word s, word d, PF_Pixel* dst)
+    {
         if (v::all_zero(~d & 0xff))
             v::store(dst, onto_opaque(s, d, s & 0xff));
-        else if (any_divides(s, d))
-            v::store(dst, onto_any(s, d));
         else if (!v::all_zero(s & 0xff))
             v::store(dst, onto_plain(s, d));
     }
@@ -117,13 +155,18 @@ private:
         return any_divides(s, d) ? onto_any(s, d) : onto_plain(s, d);
     }
 
-    // Whether a pixel of the source, neither empty nor opaque, lies on such a one.
-    [[gnu::always_inline]] static bool any_divides(word s, word d)
+    // Not 0 where a pixel of the source, neither empty nor opaque, lies on such a one.
+    [[gnu::always_inline]] static word dividing(word s, word d)
     {
         // From 255 and 0 to 0 and 1, all others to 2 and above.
         const byte from = (byte)s + 1;
         const byte to = (byte)d + 1;
-        return !v::all_zero((word)(from < to ? from : to) & 0xfe);
+        return (word)(from < to ? from : to) & 0xfe;
+    }
+
+    [[gnu::always_inline]] static bool any_divides(word s, word d)
+    {
+        return !v::all_zero(dividing(s, d));
     }
 
     // onto_any(s, d) where every pixel of one side is empty or opaque: lines laid on lines, all but where their
@@ -143,7 +186,10 @@ private:
     {
 #if defined(__AVX2__)
         if constexpr (Bytes == 32)
-            return (word)in_front_halves::blend((__m256i)s, (__m256i)d);
+        {
+            const __m256i none = _mm256_setzero_si256();
+            return (word)in_front_halves::blend({(__m256i)s, none}, {(__m256i)d, none}).first;
+        }
 #endif
         return onto_any(s, d, s & 0xff, d & 0xff);
     }
