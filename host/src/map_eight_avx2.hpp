@@ -1,6 +1,6 @@
 #pragma once
-// Bilinear samples of eight pixels at a time: what sample_bilinear answers for each. Included by the file for AVX2
-// alone.
+// Samples of eight pixels at a time: what sample_bilinear and sample_nearest answer for each. Included by the file
+// for AVX2 alone.
 
 #include "map_lanes.hpp"
 
@@ -183,7 +183,37 @@ public:
         }
     }
 
+    // The nearest pixels. All of the world's bytes are counted by 31 bits.
+    void nearest(const row_map& map, int column, int count, PF_Pixel* out) const
+    {
+        const char* const first = src_.pixel_at(0, 0);
+        for (int done = 0; done < count; done += shortest_mapped_run)
+        {
+            // The last block overlaps the one before.
+            const int start = done + shortest_mapped_run <= count ? done : count - shortest_mapped_run;
+            std::int32_t x[shortest_mapped_run], y[shortest_mapped_run], bytes[shortest_mapped_run];
+            mapped_run::locate(map, column + start, x, y);
+            for (int i = 0; i < shortest_mapped_run; i += 8)
+                _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes + i), nearest_bytes(x + i, y + i));
+            for (int i = 0; i < shortest_mapped_run; ++i)
+                std::memcpy(out + start + i, first + bytes[i], sizeof(PF_Pixel));
+        }
+    }
+
 private:
+    // From the world's first pixel to the nearest ones.
+    __m256i nearest_bytes(const std::int32_t* x, const std::int32_t* y) const
+    {
+        const __m256i rowbytes = _mm256_set1_epi32(static_cast<int>(src_.rowbytes()));
+        return _mm256_add_epi32(_mm256_mullo_epi32(nearest_whole(y), rowbytes),
+                                _mm256_slli_epi32(nearest_whole(x), 2));
+    }
+    static __m256i nearest_whole(const std::int32_t* fixed)
+    {
+        const __m256i value = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(fixed));
+        return _mm256_srli_epi32(_mm256_add_epi32(value, _mm256_set1_epi32(32768)), 16);
+    }
+
     eight_points around(const std::int32_t* x, const std::int32_t* y) const
     {
         const char* at[8];

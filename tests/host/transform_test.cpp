@@ -2,8 +2,11 @@
 
 #include "scripted_effect.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace
 {
@@ -307,6 +310,43 @@ TEST(transform_onto, is_the_reference_where_means_are_halves_or_nearly)
                             << "level " << static_cast<int>(level) << " offsets " << across << ", " << down
                             << " step " << step << " alphas " << alphas;
                     }
+    }
+}
+
+TEST(transform_onto, is_the_reference_where_rows_are_far_apart)
+{
+    // Further than 31 bits count, in memory of which four rows alone are touched.
+    constexpr int width = 50, height = 4, rowbytes = 0x30000000;
+    std::unique_ptr<char, decltype(&std::free)> memory(
+        static_cast<char*>(std::malloc(std::size_t{rowbytes} * (height - 1) + std::size_t{4} * width)),
+        &std::free);
+    if (!memory)
+        GTEST_SKIP() << "not that much memory";
+    PF_EffectWorld src{};
+    src.data = reinterpret_cast<PF_Pixel*>(memory.get());
+    src.width = width;
+    src.height = height;
+    src.rowbytes = rowbytes;
+    std::mt19937 random(14);
+    padded_world pixels(width, height);
+    pixels.scatter(random);
+    for (int y = 0; y < height; ++y)
+        std::copy_n(&pixels.at(0, y), width, host::row_of(src, y));
+
+    const PF_FloatMatrix to_source = matrix(1, 0.02, 0, 1, 0.3, 0.2);
+    for (const host::simd_level level : {host::simd_level::sse2, host::simd_level::avx2})
+    {
+        if (!host::machine_has(level))
+            continue;
+        for (const PF_Quality quality : {PF_Quality_LO, PF_Quality_HI})
+        {
+            padded_world dst(width, height), expected(width, height);
+            reference({PF_Xfer_COPY}, quality, pixels, to_source, {0, 0, width, height}, expected);
+            host::transform_onto({PF_Xfer_COPY}, quality, src, nullptr, {&to_source, 1, false}, nullptr,
+                                 dst.world(), level);
+            EXPECT_EQ(dst.difference(expected), "")
+                << "level " << static_cast<int>(level) << " quality " << quality;
+        }
     }
 }
 
