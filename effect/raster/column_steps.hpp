@@ -423,10 +423,10 @@ private:
         {
             const int lane = std::countr_zero(lanes);
             const float crossed = (static_cast<float>(lane + 1) - left_[i]) * inverse_[j] + shift_;
-            const auto first = static_cast<int>(std::clamp(crossed, kNever, most_));
+            const auto first = trunc_i32_fitting(std::clamp(crossed, kNever, most_));
             const float above = crossed - kRowsBefore;
-            const auto from = static_cast<int>(std::ceil(std::clamp(above - doubt_[i], 0.0f, last + 1.0f)));
-            const auto to = static_cast<int>(std::floor(std::clamp(above + doubt_[i], -1.0f, last)));
+            const auto from = trunc_i32_fitting(std::ceil(std::clamp(above - doubt_[i], 0.0f, last + 1.0f)));
+            const auto to = trunc_i32_fitting(std::floor(std::clamp(above + doubt_[i], -1.0f, last)));
             const float center_main = static_cast<float>(at_ + lane) + 0.5f;
             for (int row = from; row <= to; ++row)
             {

@@ -63,14 +63,14 @@ public:
     bool take(const stroke_candidates& places, int size, detail asked, scratch_memory& memory) noexcept
     {
         size_ = size;
-        words_ = places.count / 64 + 1;
+        const int words = places.count / 64 + 1;
         shift_ = asked == detail::pixels ? 0U : kLaneBits;
-        const int room = ((size + 2 * kLanes) >> shift_) + 1;
+        const int room = ((std::max(size, kLanes) + 2 * kLanes) >> shift_) + 1; // a tile may be all of some rows
         leaning_ = memory.take<float>(places.count + stroke_candidates::kPadding);
         nearest_ = memory.take<std::int32_t>(room + kLanes);
-        dropped_ = memory.take<std::uint64_t>(words_);
-        unsure_ = memory.take<std::uint64_t>(words_);
-        absent_ = memory.take<std::uint64_t>(words_);
+        dropped_ = memory.take<std::uint64_t>(words);
+        unsure_ = memory.take<std::uint64_t>(words);
+        absent_ = memory.take<std::uint64_t>(words);
         return leaning_ != nullptr && nearest_ != nullptr && dropped_ != nullptr && unsure_ != nullptr &&
                absent_ != nullptr;
     }
@@ -185,17 +185,17 @@ private:
     bool judge() noexcept
     {
         bool gaps = false;
-        const int inner = last_;
-        for (int j = first_ + 1; j < inner; j += kLanes)
+        for (int j = first_ + 1; j < last_; j += kLanes)
         {
             const auto before = load_lanes<float_lanes>(leaning_ + j);
             const auto behind = load_lanes<float_lanes>(leaning_ + j + 1);
             const float_lanes width = between_neighbours(j) + (behind - before);
             const int_lanes exact = (magnitude(before) <= kMostLeaning) & (magnitude(behind) <= kMostLeaning);
-            const unsigned doubtful = lane_bits(((exact & (width >= wide_)) == 0) & (kLaneNumbers < inner - j));
+            const unsigned doubtful = lane_bits(((exact & (width >= wide_)) == 0) & (kLaneNumbers < last_ - j));
             if (doubtful == 0)
                 continue;
             const unsigned none = doubtful & lane_bits(exact & (width <= kSurelyNone));
+            // Twice as much, since these are in single precision.
             const unsigned clearly = doubtful & lane_bits(exact & (width <= static_cast<float>(-2.0 * kClearly)));
             set_eight(unsure_, j, doubtful);
             set_eight(dropped_, j, none);
@@ -311,7 +311,7 @@ private:
         const int first = j - 1;
         const std::uint64_t low = dropped_[first / 64] >> static_cast<unsigned>(first % 64);
         return (low & 0x1ff) != 0 ||
-               (first % 64 > 64 - 9 && first / 64 + 1 < words_ && dropped_[first / 64 + 1] != 0);
+               (first % 64 > 64 - 9 && first / 64 < last_ / 64 && dropped_[first / 64 + 1] != 0);
     }
 
     void lay_beside_gap(int j, std::int32_t pixel) noexcept
@@ -386,8 +386,7 @@ private:
     }
 
     const stroke_candidates* places_ = nullptr;
-    int size_ = 0; // of the canvas along the main axis
-    int words_ = 0;
+    int size_ = 0;       // of the canvas along the main axis
     unsigned shift_ = 0; // makes pixels slots
     int first_ = 0;      // of the places that are looked at
     int last_ = 0;

@@ -28,8 +28,8 @@ public:
     }
 
     // Makes ready to draw. `swept_first`, `swept_last`: for each main position the rows to draw, of which those
-    // that nothing reaches are taken away. False, with nothing changed, where the stroke is none for blocks; false
-    // where `memory` is short.
+    // that nothing reaches are taken away. False, with nothing changed, where the stroke is none for blocks or
+    // `memory` is short.
     bool make_room(std::int32_t* swept_first, std::int32_t* swept_last, scratch_memory& memory) noexcept
     {
         if (places_.bridged || !places_.even)
@@ -37,12 +37,14 @@ public:
         first_ = swept_first;
         last_ = swept_last;
         tiles_ = (canvas_.size + kLanes - 1) / kLanes;
-        rows_ = memory.take<span>(tiles_);
-        if (rows_ == nullptr || !steps_.take(memory))
+        scratch_memory left = memory;
+        rows_ = left.take<span>(tiles_);
+        if (rows_ == nullptr || !steps_.take(left))
             return false;
         for (row_cells* cells : {&edges_[0], &edges_[1], &halves_[0], &halves_[1]})
-            if (!cells->take(places_, canvas_.size, row_cells::detail::pixels, memory))
+            if (!cells->take(places_, canvas_.size, row_cells::detail::pixels, left))
                 return false;
+        memory = left;
         nearest_place ahead(places_, reach_, canvas_.across);
         for (int tile = 0; tile < tiles_; ++tile)
             rows_[tile] = rows_of(tile, ahead);
@@ -161,7 +163,8 @@ private:
         const int middle = b.top + half;
         const int at = b.tile * kLanes;
         row_cells& between = halves_[b.halvings];
-        between.find(places_, steps_.slopes(), middle, 0.0f, {low_, high_}, {at, at + kLanes - 1});
+        between.find(places_, steps_.slopes(), middle, row_cells::kSurelyWide, {low_, high_},
+                     {at, at + kLanes - 1});
         wait({b.tile, middle, b.height - half, b.halvings + 1, &between, b.below, low_, high_});
         wait({b.tile, b.top, half, b.halvings + 1, b.above, &between, low_, high_});
     }
@@ -275,6 +278,8 @@ private:
     template <class Sums>
     void draw_inside(const lane_pixels& t, span rows, Sums& now) noexcept
     {
+        if (rows.first > rows.last)
+            return;
         Sums here = now; // in registers
         const auto next = [&here]
         {
