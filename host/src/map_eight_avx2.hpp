@@ -234,8 +234,8 @@ private:
         const auto two = [=](int i, int j)
         {
             const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at[i] + offset));
-            const auto high = reinterpret_cast<const double*>(at[j] + offset);
-            return _mm_castpd_si128(_mm_loadh_pd(_mm_castsi128_pd(low), high));
+            const auto* const high = reinterpret_cast<const __m64*>(at[j] + offset);
+            return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(low), high));
         };
         const __m256 a = _mm256_castsi256_ps(_mm256_set_m128i(two(4, 5), two(0, 1)));
         const __m256 b = _mm256_castsi256_ps(_mm256_set_m128i(two(6, 7), two(2, 3)));
