@@ -46,7 +46,7 @@ std::byte* map_pages(std::size_t room)
     if (mapped == MAP_FAILED)
         return nullptr;
 #ifdef MADV_HUGEPAGE
-    // Pictures are walked through by tiles, whose rows lie on a page each: with small pages, much of the time goes
+    // Pictures are walked through by tiles, whose rows lie on a page each: with small pages, some of the time goes
     // into finding these. Where there are no large ones, nothing is lost.
     madvise(mapped, room, MADV_HUGEPAGE);
 #endif
