@@ -18,6 +18,7 @@ namespace
 {
 constexpr int kLanes = 8;
 constexpr unsigned kLaneBits = 3; // of a lane's number
+static_assert(kLanes == 1 << kLaneBits);
 using float_lanes = float __attribute__((vector_size(32)));
 using int_lanes = std::int32_t __attribute__((vector_size(32)));
 constexpr int_lanes kLaneNumbers = {0, 1, 2, 3, 4, 5, 6, 7};
@@ -150,7 +151,7 @@ inline float_lanes magnitude(float_lanes v) noexcept
     return v;
 }
 
-// Of all lanes, which are numbers.
+// The least and the most of all lanes, none of which is NaN.
 template <class Lanes>
 inline auto least(Lanes v) noexcept
 {

@@ -1,6 +1,6 @@
 #pragma once
-// Draws a wide stroke of many colours in blocks of eight main positions by some dozens of rows, column by column.
-// Internal to the file that includes it, as lanes are.
+// Draws a wide stroke of many colours in blocks of eight main positions by some dozens of rows, boundary by
+// boundary. Internal to the file that includes it, as lanes are.
 
 #include "effect/raster/column_steps.hpp"
 #include "effect/raster/covered_rows.hpp"
@@ -136,7 +136,7 @@ private:
 
     void wait(const block& b) noexcept { waiting_blocks_[waiting_++] = b; }
 
-    // Draws what there is of `all` rows in a block, or has its halves wait.
+    // Draws what there is of `all` rows in a block, or has its halves wait (where it waited itself: hence a copy).
     template <class Paint, class Search>
     void draw_block(block b, span all, nearest_place& nearest, Paint paint, Search search) noexcept
     {
