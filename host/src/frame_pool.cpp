@@ -160,12 +160,16 @@ private:
 
     std::unique_ptr<slot> spare()
     {
-        const std::lock_guard hold(mutex_);
-        if (spares_.empty())
-            return std::make_unique<slot>(comp_, plugin_access::memory(effect_));
-        auto pictures = std::move(spares_.back());
-        spares_.pop_back();
-        return pictures;
+        {
+            const std::lock_guard hold(mutex_);
+            if (!spares_.empty())
+            {
+                auto pictures = std::move(spares_.back());
+                spares_.pop_back();
+                return pictures;
+            }
+        }
+        return std::make_unique<slot>(comp_, plugin_access::memory(effect_));
     }
 
     void render(std::int32_t frame, slot& pictures)

@@ -27,6 +27,8 @@ constexpr std::size_t step = std::size_t{1} << 20;
 // made real by clearing it.
 constexpr std::size_t smallest_kept = std::size_t{1} << 20;
 constexpr std::size_t largest_kept = std::size_t{1} << 27;
+// What processors share for last cache, about.
+constexpr std::size_t cache_bytes = std::size_t{1} << 25;
 
 // Cleared; null where there are none.
 #ifdef _WIN32
@@ -81,7 +83,7 @@ void memory_block::swap(memory_block& other) noexcept
 memory_reserve::~memory_reserve()
 {
     for (const pages& block : kept_)
-        unmap_pages(block.data, block.room);
+        unmap(block);
 }
 
 memory_block memory_reserve::take(memory_reserve* reserve, std::size_t size, bool cleared)
@@ -98,8 +100,7 @@ memory_block memory_reserve::take(memory_reserve* reserve, std::size_t size, boo
     pages found = reserve->kept_for(size);
     if (found.data == nullptr)
     {
-        found.room = (size + step - 1) / step * step;
-        found.data = map_pages(found.room);
+        found = reserve->mapped(size);
         block.zero_ = true;
     }
     if (found.data == nullptr)
@@ -141,7 +142,7 @@ memory_reserve::pages memory_reserve::kept_for(std::size_t size)
     }
     if (!kept_.empty())
     {
-        unmap_pages(kept_.front().data, kept_.front().room);
+        unmap(kept_.front());
         kept_.erase(kept_.begin());
     }
     return {};
@@ -157,7 +158,28 @@ void memory_reserve::give_back(pages block) noexcept
     }
     catch (const std::bad_alloc&)
     {
-        unmap_pages(block.data, block.room);
+        unmap(block);
     }
+}
+
+memory_reserve::pages memory_reserve::mapped(std::size_t size) noexcept
+{
+    const std::size_t room = (size + step - 1) / step * step;
+    std::byte* const data = map_pages(room);
+    if (data == nullptr)
+        return {};
+    mapped_bytes_ += room;
+    return {data, room};
+}
+
+void memory_reserve::unmap(pages block) noexcept
+{
+    unmap_pages(block.data, block.room);
+    mapped_bytes_ -= block.room;
+}
+
+bool memory_reserve::exceeds_caches() const noexcept
+{
+    return mapped_bytes_ > cache_bytes;
 }
 } // namespace host

@@ -2,6 +2,7 @@
 // Memory for what is as large as a picture, kept from frame to frame: pages fresh from the system cost more than
 // all that is drawn on them.
 
+#include <atomic>
 #include <cstddef>
 #include <mutex>
 #include <vector>
@@ -57,6 +58,10 @@ public:
     // Bytes that nobody uses at present.
     std::size_t kept_bytes() const;
 
+    // Whether the blocks, in use and kept, are more than caches hold: then what is cleared is gone from them
+    // before it is drawn on.
+    bool exceeds_caches() const noexcept;
+
 private:
     friend class memory_block;
     struct pages
@@ -66,8 +71,11 @@ private:
     };
 
     pages kept_for(std::size_t size);
+    pages mapped(std::size_t size) noexcept;
+    void unmap(pages block) noexcept;
     void give_back(pages block) noexcept;
 
+    std::atomic<std::size_t> mapped_bytes_ = 0;
     mutable std::mutex mutex_;
     std::vector<pages> kept_; // the one given back last at the end
 };

@@ -1,5 +1,7 @@
 #include "pixel_block.hpp"
 
+#include "clear_memory.hpp"
+
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -42,7 +44,7 @@ pixel_block::pixel_block(int width, int height, int row_padding, bool cleared, m
     if (!cleared)
         std::memset(first, poison, pixels);
     else if (!memory_.zero())
-        std::memset(first, 0, pixels);
+        clear_memory(first, pixels, reserve != nullptr && reserve->exceeds_caches());
     if (cleared && row_padding > 0)
         for (int y = 0; y < height; ++y)
             std::memset(first + static_cast<std::size_t>(y) * static_cast<std::size_t>(rowbytes_) + width * 4,

@@ -6,6 +6,7 @@
 #include "plugin_access.hpp"
 #include "session.hpp"
 #include "text.hpp"
+#include "worlds.hpp"
 
 #include <chrono>
 #include <cstring>
@@ -112,16 +113,6 @@ pixel_block lent(image_view view)
     return pixel_block::lent(reinterpret_cast<PF_Pixel*>(view.argb), view.width, view.height, view.rowbytes);
 }
 
-void clear(image_view view)
-{
-    const auto used = static_cast<std::size_t>(view.width) * 4;
-    if (used == static_cast<std::size_t>(view.rowbytes))
-        std::memset(view.argb, 0, used * static_cast<std::size_t>(view.height));
-    else
-        for (int y = 0; y < view.height; ++y)
-            std::memset(view.argb + std::ptrdiff_t{view.rowbytes} * y, 0, used);
-}
-
 const_image_view to_read(image_view view)
 {
     return {view.argb, view.width, view.height, view.rowbytes};
@@ -208,8 +199,8 @@ private:
     {
         if (can_lend(output_view_, host_.options))
         {
-            clear(output_view_);
             output_ = host_.worlds.adopt("output", lent(output_view_));
+            fill_world(output_, nullptr, nullptr, host_.worlds.past_caches());
         }
         else
             output_ = host_.worlds.adopt("output", own_block());

@@ -54,7 +54,7 @@ PF_Err fill(PF_ProgPtr ref, const PF_Pixel* color, const PF_Rect* rect, PF_Effec
         {
             if (!host->worlds.usable("fill", world))
                 return PF_Err_BAD_CALLBACK_PARAM;
-            fill_world(*world, rect, color);
+            fill_world(*world, rect, color, host->worlds.past_caches());
             return PF_Err_NONE;
         });
 }

@@ -29,6 +29,9 @@ public:
     // Whether a call may work on the world; in checked mode says in `found` why it may not.
     bool usable(const char* call, const PF_EffectWorld* world);
 
+    // Whether pixels are cleared past the caches.
+    bool past_caches() const { return reserve_ != nullptr && reserve_->exceeds_caches(); }
+
     // At the end of the render, in checked mode: guards, padding and worlds that were never given back.
     void check_all();
 

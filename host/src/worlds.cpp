@@ -1,5 +1,7 @@
 #include "worlds.hpp"
 
+#include "clear_memory.hpp"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -67,10 +69,14 @@ bool share_memory(const PF_EffectWorld& a, const PF_EffectWorld& b)
     return before(a.data, end(b)) && before(b.data, end(a));
 }
 
-void set_rows(const PF_EffectWorld& world, const PF_Rect& area, A_u_char byte, std::size_t row_bytes)
+void set_rows(const PF_EffectWorld& world, const PF_Rect& area, A_u_char byte, std::size_t row_bytes,
+              bool past_caches)
 {
     const auto rows = static_cast<std::size_t>(area.bottom - area.top);
-    if (row_bytes == static_cast<std::size_t>(world.rowbytes))
+    const bool whole_rows = row_bytes == static_cast<std::size_t>(world.rowbytes);
+    if (whole_rows && byte == 0)
+        clear_memory(row_of(world, area.top), rows * row_bytes, past_caches);
+    else if (whole_rows)
         std::memset(row_of(world, area.top), byte, rows * row_bytes);
     else
         for (int y = area.top; y < area.bottom; ++y)
@@ -97,7 +103,7 @@ stable_source::stable_source(const PF_EffectWorld& src, const PF_EffectWorld& ds
     world_.rowbytes = src.width * 4;
 }
 
-void fill_world(const PF_EffectWorld& world, const PF_Rect* rect, const PF_Pixel* color)
+void fill_world(const PF_EffectWorld& world, const PF_Rect* rect, const PF_Pixel* color, bool past_caches)
 {
     const PF_Rect area = clipped(rect, world);
     if (is_empty(area))
@@ -106,7 +112,7 @@ void fill_world(const PF_EffectWorld& world, const PF_Rect* rect, const PF_Pixel
     const auto bytes = static_cast<std::size_t>(area.right - area.left) * sizeof(PF_Pixel);
     // The C library knows the machine's widest stores.
     if (value.alpha == value.red && value.red == value.green && value.green == value.blue)
-        return set_rows(world, area, value.alpha, bytes);
+        return set_rows(world, area, value.alpha, bytes, past_caches);
     PF_Pixel* const first = row_of(world, area.top) + area.left;
     std::fill(first, first + (area.right - area.left), value);
     for (int y = area.top + 1; y < area.bottom; ++y)

@@ -35,8 +35,8 @@ private:
     std::vector<PF_Pixel> copy_;
 };
 
-// A null colour is transparent black.
-void fill_world(const PF_EffectWorld& world, const PF_Rect* rect, const PF_Pixel* color);
+// A null colour is transparent black. `past_caches`: see clear_memory.
+void fill_world(const PF_EffectWorld& world, const PF_Rect* rect, const PF_Pixel* color, bool past_caches = false);
 
 // From the source rectangle's top-left to the destination rectangle's, as much as both rectangles hold.
 void copy_world(const PF_EffectWorld& src, const PF_Rect* src_rect, const PF_EffectWorld& dst,
