@@ -34,8 +34,8 @@ int LineCreatorClass::CreateTables()
         {
             const float_lanes num = dpos - load_lanes<float_lanes>(begin + j);
             const auto den = load_lanes<float_lanes>(extent + j);
-            const float_lanes inside = num < 0.0f ? all_lanes(0.0f) : num / den;
-            store_lanes(row + j, num > den ? all_lanes(1.0f) : inside);
+            // Compilers make the plain choices lane by lane.
+            store_lanes(row + j, lower_of(higher_of(num, all_lanes(0.0f)), den) / den);
         }
     }
     std::memset(coverageTable + kTableFilledRows * kTableColumns, 0, kUnfilled * sizeof(float));

@@ -127,9 +127,23 @@ inline float_lanes lower_of(float_lanes a, float_lanes b) noexcept
 #endif
 }
 
+// a > b ? a : b in each lane, which is b where one is no number.
 inline float_lanes higher_of(float_lanes a, float_lanes b) noexcept
 {
+#if defined(__AVX2__)
+    return reinterpret_cast<float_lanes>(_mm256_max_ps(reinterpret_cast<__m256>(a), reinterpret_cast<__m256>(b)));
+#elif defined(__SSE2__)
+    __m128 x[2];
+    __m128 y[2];
+    std::memcpy(x, &a, sizeof x);
+    std::memcpy(y, &b, sizeof y);
+    x[0] = _mm_max_ps(x[0], y[0]);
+    x[1] = _mm_max_ps(x[1], y[1]);
+    std::memcpy(&a, x, sizeof a);
+    return a;
+#else
     return a > b ? a : b;
+#endif
 }
 
 inline int_lanes lower_of(int_lanes a, int_lanes b) noexcept
