@@ -36,6 +36,11 @@ displacement_plan* plan_displacement(frame_data& frame) noexcept
     if (plan == nullptr)
         return nullptr;
     plan->frame = &frame;
+    plan->sample = frame.in_data->utils->subpixel_sample;
+    plan->host = frame.in_data->effect_ref;
+    plan->matte = plan->input = frame.sampling;
+    plan->matte.src = &frame.scratch;
+    plan->input.src = frame.input;
     plan->width = input.width;
     plan->height = input.height;
     plan->columns = plan_lines(frame.pool, plan->width, frame.scratch.width, frame.displaceX);
@@ -81,9 +86,8 @@ PF_Err displace_img(void* refcon, A_long x, A_long y, PF_Pixel* in, PF_Pixel* ou
 PF_Err displace_img_planned(void* refcon, A_long x, A_long y, PF_Pixel* in, PF_Pixel* out)
 {
     const displacement_plan& plan = *static_cast<const displacement_plan*>(refcon);
-    frame_data& frame = *plan.frame;
     if (x < 0 || x >= plan.width || y < 0 || y >= plan.height)
-        return displace_img(&frame, x, y, in, out);
+        return displace_img(plan.frame, x, y, in, out);
     const displacement_plan::line& column = plan.columns[x];
     const displacement_plan::line& row = plan.rows[y];
     if (column.bare || row.bare)
@@ -92,14 +96,13 @@ PF_Err displace_img_planned(void* refcon, A_long x, A_long y, PF_Pixel* in, PF_P
         return PF_Err_NONE;
     }
 
-    PF_InData* const in_data = frame.in_data;
-    const auto subpixel_sample = in_data->utils->subpixel_sample;
-    frame.sampling.src = &frame.scratch;
-    subpixel_sample(in_data->effect_ref, column.matte, row.matte, &frame.sampling, out);
+    plan.sample(plan.host, column.matte, row.matte, &plan.matte, out);
 
-    frame.sampling.src = frame.input;
-    const float to_y = row.place + plan.shift_y[out->alpha];
-    const float to_x = column.place + plan.shift_x[out->alpha];
-    return subpixel_sample(in_data->effect_ref, trunc_i32_fitting(to_x), trunc_i32_fitting(to_y), &frame.sampling,
-                           out);
+    // Most of a matte is empty. A processor that guesses so begins the second sample before the first is done.
+    const A_u_char alpha = out->alpha;
+    if (alpha == 0)
+        return plan.sample(plan.host, to_fixed(x), to_fixed(y), &plan.input, out);
+    const float to_y = row.place + plan.shift_y[alpha];
+    const float to_x = column.place + plan.shift_x[alpha];
+    return plan.sample(plan.host, trunc_i32_fitting(to_x), trunc_i32_fitting(to_y), &plan.input, out);
 }

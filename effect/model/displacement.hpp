@@ -22,6 +22,10 @@ struct displacement_plan
     };
 
     frame_data* frame;
+    PF_Err (*sample)(PF_ProgPtr, PF_Fixed x, PF_Fixed y, const PF_SampPB*, PF_Pixel*); // the host's
+    PF_ProgPtr host;
+    PF_SampPB matte; // what is sampled first, then
+    PF_SampPB input;
     line* columns; // `width` of them
     line* rows;
     A_long width; // of the input
