@@ -20,17 +20,10 @@ public:
     static void blend(const rows_on_rows& rows)
     {
         // Processors see by themselves where long rows go on.
-        const bool short_rows = rows.width <= 256;
-        for (int y = 0; short_rows && y < rows_ahead; ++y)
-            fetch_row(rows, y);
-        const auto* src = reinterpret_cast<const char*>(rows.src);
-        auto* dst = reinterpret_cast<char*>(rows.dst);
-        for (int y = 0; y < rows.height; ++y, src += rows.src_rowbytes, dst += rows.dst_rowbytes)
-        {
-            if (short_rows)
-                fetch_row(rows, y + rows_ahead);
-            blend_row(reinterpret_cast<const PF_Pixel*>(src), reinterpret_cast<PF_Pixel*>(dst), rows.width);
-        }
+        if (rows.width <= 256 && rows.height > 1)
+            return blend_short_rows(rows);
+        for (int y = 0; y < rows.height; ++y)
+            blend_row(src_row(rows, y), dst_row(rows, y), rows.width);
     }
 
 private:
@@ -40,21 +33,62 @@ private:
     using half = typename v::half;
     using real = typename v::real;
     static constexpr int wide = 4 * v::count;
-    static constexpr int rows_ahead = 4; // as long as memory takes to answer
 
-    // Asks memory for a row, if there is such a one.
-    [[gnu::always_inline]] static void fetch_row(const rows_on_rows& rows, int y)
+    static const PF_Pixel* src_row(const rows_on_rows& rows, int y)
     {
-        constexpr int cache_line = 64;
-        if (y >= rows.height)
-            return;
-        const auto* src = reinterpret_cast<const char*>(rows.src) + y * rows.src_rowbytes;
-        const auto* dst = reinterpret_cast<const char*>(rows.dst) + y * rows.dst_rowbytes;
-        for (int i = 0; i < 4 * rows.width; i += cache_line)
+        return reinterpret_cast<const PF_Pixel*>(reinterpret_cast<const char*>(rows.src) + y * rows.src_rowbytes);
+    }
+    static PF_Pixel* dst_row(const rows_on_rows& rows, int y)
+    {
+        return reinterpret_cast<PF_Pixel*>(reinterpret_cast<char*>(rows.dst) + y * rows.dst_rowbytes);
+    }
+
+    // Asks memory for rows of the source, then looks into them, and asks for rows of the destination only where
+    // there is something to lay on them: each as long before as memory takes to answer.
+    static void blend_short_rows(const rows_on_rows& rows)
+    {
+        constexpr int looked_ahead = 4;
+        constexpr int asked_ahead = looked_ahead + 6;
+        unsigned covered = 0; // of rows looked into, the latest in the lowest bit
+        for (int y = -asked_ahead; y < rows.height; ++y)
         {
-            __builtin_prefetch(src + i);
-            __builtin_prefetch(dst + i, 1);
+            if (y + asked_ahead < rows.height)
+                fetch(src_row(rows, y + asked_ahead), rows.width);
+            covered <<= 1;
+            const int next = y + looked_ahead;
+            if (next >= 0 && next < rows.height && !all_clear(src_row(rows, next), rows.width))
+            {
+                covered |= 1;
+                fetch(dst_row(rows, next), rows.width);
+            }
+            if ((covered >> looked_ahead & 1) != 0)
+                blend_row(src_row(rows, y), dst_row(rows, y), rows.width);
         }
+    }
+
+    [[gnu::always_inline]] static void fetch(const PF_Pixel* row, int width)
+    {
+        constexpr int cache_line = 16;
+        for (int x = 0; x < width; x += cache_line)
+            __builtin_prefetch(row + x);
+    }
+
+    [[gnu::always_inline]] static bool all_clear(const PF_Pixel* row, int width)
+    {
+        int x = 0;
+        word any = {};
+        for (; x + wide <= width; x += wide)
+        {
+            any = any | v::load(row + x) | v::load(row + x + v::count) | v::load(row + x + 2 * v::count) |
+                  v::load(row + x + 3 * v::count);
+            if (!v::all_zero(any & 0xff))
+                return false;
+        }
+        for (; x + v::count <= width; x += v::count)
+            any |= v::load(row + x);
+        if (x < width)
+            any |= width >= v::count ? v::load(row + width - v::count) : v::load_some(row, width);
+        return v::all_zero(any & 0xff);
     }
 
     [[gnu::always_inline]] static void blend_row(const PF_Pixel* src, PF_Pixel* dst, int count)

@@ -135,12 +135,20 @@ TEST_P(blend_rows, are_right_one_below_the_other)
     std::mt19937 random(13);
     for (int round = 0; round < 300; ++round)
     {
-        // Rows of up to 256 pixels are asked for ahead.
+        // Rows of up to 256 pixels are asked for ahead, and passed over where nothing is on them.
         const int width = static_cast<int>(random() % (round % 4 == 0 ? 300 : 80)) + 1;
-        const int height = static_cast<int>(random() % 12);
+        const int height = static_cast<int>(random() % 24);
         scripted::padded_world src(width + 4, height + 3, 5), dst(width + 7, height + 2, 2);
         src.scatter(random);
         dst.scatter(random);
+        for (int y = 0; y < height; ++y)
+        {
+            const auto kind = random() % 3;
+            const int only = static_cast<int>(random() % static_cast<unsigned>(width));
+            for (int x = 0; x < width; ++x)
+                if (kind == 0 || (kind == 1 && x != only))
+                    src.at(x + 3, y + 2).alpha = 0;
+        }
         scripted::padded_world expected(dst);
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x)
