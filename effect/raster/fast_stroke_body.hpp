@@ -251,9 +251,9 @@ private:
         row_masks solid(solid_toggles_);
         for (int first = 0; first < p.count; first += kLanes)
         {
-            stroke_tile& t = *std::construct_at(&p.tile(first / kLanes), tile_at(at + first));
-            if (rims_ != nullptr && rims_->done(t.at / kLanes))
+            if (rims_ != nullptr && rims_->done((at + first) / kLanes))
                 continue;
+            stroke_tile& t = *std::construct_at(&p.tile(first / kLanes), tile_at(at + first));
             const row_lanes covered = enter(t);
             for (int i = 0; i < t.count; ++i)
                 add_column(p, t, i, {covered.first[i], covered.last[i]}, swept, solid);
