@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstring>
 
 namespace
 {
@@ -44,6 +45,122 @@ numbers within(const gap_bridge& bridge, bool along_y, float low, float high) no
         return {first_with([&](float c) { return c >= low; }), first_with([&](float c) { return c > high; })};
     return {first_with([&](float c) { return c <= high; }), first_with([&](float c) { return c < low; })};
 }
+
+// Samples without bridges between them, four at a time: what fill() does for each of them, and notes of it.
+class sample_fours
+{
+public:
+    sample_fours(const LineCreatorClass& creator, bool along_y, float across, float spacing) noexcept
+        : points_(creator.points), along_y_(along_y), across_(across), spacing_(spacing),
+          first_main_(along_y ? points_[0].y : points_[0].x)
+    {
+    }
+
+    // Adds the samples before sample `i` as places `n` on, down to `last` at most, until a step is steep.
+    // `thickness` is the radius that all may share. Answers how many.
+    int add(int i, int last, float thickness, stroke_candidates& places, std::int64_t n) noexcept
+    {
+        four_floats main_before = all(main_of(points_[i]));
+        four_floats across_before = all(across_of(points_[i]));
+        int done = 0;
+        for (; i - done - kFour >= last; done += kFour)
+        {
+            const StrokePoint* const lowest = points_ + (i - done - kFour);
+            const four_samples s = turned(lowest);
+            const four_floats main = along_y_ ? s.y : s.x;
+            const four_floats across = along_y_ ? s.x : s.y;
+            const four_floats before = __builtin_shufflevector(main_before, main, 3, 4, 5, 6);
+            const four_floats step = across - __builtin_shufflevector(across_before, across, 3, 4, 5, 6);
+            if (any(~(magnitude(step) <= kGentle)))
+                break;
+            const four_ints number = (i - done) - four_ints{1, 2, 3, 4};
+            const four_floats expected = first_main_ - __builtin_convertvector(number, four_floats) * spacing_;
+            const four_ints counts = (0.0f <= across) & (across <= across_);
+            const std::int64_t at = n + done;
+            store(places.main + at, main);
+            store(places.cross + at, counts ? across : all(stroke_candidates::kFarAway));
+            store(places.radius + at, s.radius);
+            store(places.sample + at, number);
+            store(places.place + at, four_ints{});
+            if (places.color != nullptr)
+                store(places.color + at, s.color);
+            falls_ |= ~(before <= main);
+            uneven_ |= main - before != spacing_;
+            no_numbers_ |= s.radius != s.radius;
+            others_ |= s.radius != thickness;
+            misplaced_ |= ~(magnitude(expected - main) <= kEvenWithin);
+            main_before = main;
+            across_before = across;
+        }
+        return done;
+    }
+
+    // Of all that were added, whether some are so.
+    bool falls() const noexcept { return any(falls_); }
+    bool uneven() const noexcept { return any(uneven_); }
+    bool no_numbers() const noexcept { return any(no_numbers_); }
+    bool other_radius() const noexcept { return any(others_); }
+    bool misplaced() const noexcept { return any(misplaced_); }
+
+private:
+    static constexpr int kFour = 4;
+    using four_floats = float __attribute__((vector_size(16)));
+    using four_ints = std::int32_t __attribute__((vector_size(16)));
+
+    struct four_samples
+    {
+        four_floats x;
+        four_floats y;
+        four_floats radius;
+        four_ints color;
+    };
+
+    // The four samples from `lowest` on, the highest first.
+    static four_samples turned(const StrokePoint* lowest) noexcept
+    {
+        four_floats p[kFour];
+        std::memcpy(p, lowest, sizeof p);
+        const four_floats xy_first = __builtin_shufflevector(p[3], p[2], 0, 4, 1, 5);
+        const four_floats xy_last = __builtin_shufflevector(p[1], p[0], 0, 4, 1, 5);
+        const four_floats rc_first = __builtin_shufflevector(p[3], p[2], 2, 6, 3, 7);
+        const four_floats rc_last = __builtin_shufflevector(p[1], p[0], 2, 6, 3, 7);
+        return {__builtin_shufflevector(xy_first, xy_last, 0, 1, 4, 5),
+                __builtin_shufflevector(xy_first, xy_last, 2, 3, 6, 7),
+                __builtin_shufflevector(rc_first, rc_last, 0, 1, 4, 5),
+                reinterpret_cast<four_ints>(__builtin_shufflevector(rc_first, rc_last, 2, 3, 6, 7))};
+    }
+
+    static four_floats all(float v) noexcept { return four_floats{v, v, v, v}; }
+    static four_floats magnitude(four_floats v) noexcept
+    {
+        return reinterpret_cast<four_floats>(reinterpret_cast<four_ints>(v) & 0x7fffffff);
+    }
+    static bool any(four_ints mask) noexcept
+    {
+        std::int64_t halves[2];
+        std::memcpy(halves, &mask, sizeof halves);
+        return (halves[0] | halves[1]) != 0;
+    }
+    template <class T, class Four>
+    static void store(T* to, Four values) noexcept
+    {
+        std::memcpy(to, &values, sizeof values);
+    }
+
+    float main_of(const StrokePoint& p) const noexcept { return along_y_ ? p.y : p.x; }
+    float across_of(const StrokePoint& p) const noexcept { return along_y_ ? p.x : p.y; }
+
+    const StrokePoint* points_;
+    bool along_y_;
+    float across_; // of the canvas
+    float spacing_;
+    float first_main_;
+    four_ints falls_ = {};
+    four_ints uneven_ = {};
+    four_ints no_numbers_ = {};
+    four_ints others_ = {};
+    four_ints misplaced_ = {};
+};
 } // namespace
 
 bool stroke_candidates::collect(const LineCreatorClass& creator, int first, int last, float reach, bool colors,
@@ -99,6 +216,7 @@ stroke_candidates::outcome stroke_candidates::fill(const LineCreatorClass& creat
     bool in_place = std::fabs(first_main) < kEvenBelow && 1 <= k && k <= kMostQuality + 1;
     bridged = false;
     std::int64_t n = 0;
+    sample_fours fours(creator, along_y, across, spacing);
     for (int i = first; i >= last; --i)
     {
         const StrokePoint& cur = creator.points[i];
@@ -148,15 +266,19 @@ stroke_candidates::outcome stroke_candidates::fill(const LineCreatorClass& creat
         numbers_only &= cur.halfWidth == cur.halfWidth;
         same &= cur.halfWidth == thickness;
         in_place &= std::fabs(first_main - static_cast<float>(i) * spacing - main_at) <= kEvenWithin;
-        before = main_at;
-        before_across = at;
+        const auto room_ends = static_cast<int>(std::max<std::int64_t>(last, i - (room - n)));
+        const int more = fours.add(i, room_ends, thickness, *this, n);
+        i -= more;
+        n += more;
+        before = along_y ? creator.points[i].y : creator.points[i].x;
+        before_across = along_y ? creator.points[i].x : creator.points[i].y;
     }
     count = static_cast<int>(n);
-    ascending = !falls;
-    all_numbers = numbers_only;
-    one_radius = same;
-    even = in_place;
-    regular = exact && !bridged;
+    ascending = !falls && !fours.falls();
+    all_numbers = numbers_only && !fours.no_numbers();
+    one_radius = same && !fours.other_radius();
+    even = in_place && !fours.misplaced();
+    regular = exact && !fours.uneven() && !bridged;
     for (int i = 0; i < kPadding; ++i)
     {
         main[count + i] = kFarAway;
