@@ -27,6 +27,8 @@ public:
         return i >= 1 && i < count_ && on_segment(i, at) ? i : 0;
     }
 
+    bool falling() const noexcept { return falling_; }
+
     // Whether the points run downwards everywhere, so that `highest` has no use.
     static bool fall(const sp_line& line) noexcept;
 

@@ -8,6 +8,7 @@
 #include "effect/shell/mem_pool.hpp"
 
 #include <cmath>
+#include <limits>
 
 namespace
 {
@@ -19,16 +20,31 @@ public:
     {
     }
 
-    // A sample on the segment from p0 to p1, given by their positions along the line and across it.
-    void add(float at, double run0, double run1, double across0, double across1) noexcept
+    // A sample at `at` and further ones as long as they lie above the line's end and no lower than `lowest`, all
+    // on the segment from p0 to p1, given by their positions along the line and across it. Answers where the next
+    // sample lies.
+    float add(float at, double lowest, double run0, double run1, double across0, double across1) noexcept
     {
-        at_[used_] = at;
-        run0_[used_] = run0;
-        run1_[used_] = run1;
-        across0_[used_] = across0;
-        across1_[used_] = across1;
-        if (++used_ == kBlendBlock)
-            flush();
+        const float step = s_.step;
+        const double end = s_.last;
+        int used = used_;
+        do
+        {
+            at_[used] = at;
+            run0_[used] = run0;
+            run1_[used] = run1;
+            across0_[used] = across0;
+            across1_[used] = across1;
+            at -= step;
+            if (++used == kBlendBlock)
+            {
+                used_ = used;
+                flush();
+                used = 0;
+            }
+        } while (static_cast<double>(at) > end && static_cast<double>(at) >= lowest);
+        used_ = used;
+        return at;
     }
 
     // Writes what has been added.
@@ -104,14 +120,19 @@ int sample_line_fast(const sp_line& line, const line_sampling& s, mem_pool* pool
     sample_block block(line, s, out);
     double curve_pt_t::*const run = line.vertical != 0 ? &curve_pt_t::y : &curve_pt_t::x;
     double curve_pt_t::*const across = line.vertical != 0 ? &curve_pt_t::x : &curve_pt_t::y;
-    for (float c = s.first; static_cast<double>(c) > s.last; c -= s.step)
+    constexpr double kNone = std::numeric_limits<double>::infinity();
+    for (float c = s.first; static_cast<double>(c) > s.last;)
     {
         const int i = values.segment(c);
         if (i == 0)
+        {
+            c -= s.step;
             continue;
+        }
+        // Where points fall, the segment is that of all samples down to its end.
         const curve_pt_t& p0 = line.points[i - 1];
         const curve_pt_t& p1 = line.points[i];
-        block.add(c, p0.*run, p1.*run, p0.*across, p1.*across);
+        c = block.add(c, values.falling() ? p1.*run : kNone, p0.*run, p1.*run, p0.*across, p1.*across);
     }
     block.flush();
     if (highest != nullptr)
