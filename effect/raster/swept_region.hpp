@@ -187,8 +187,31 @@ private:
     {
         const span_lanes places = strips(moves, radius, size);
         const span_lanes added = boxes(moves, radius, across);
+        // Along a line of close samples, each enters the place after the last one's: most run downwards.
+        const int_lanes downwards = all_lanes(places.first[0]) - kLaneNumbers;
+        if (moves.count == kLanes &&
+            lane_bits((places.first != downwards) | (places.last != downwards) | (added.last < added.first)) == 0)
+            return add_downwards(places.first[kLanes - 1], added);
         for (int i = 0; i < moves.count; ++i)
             add(places[i], added[i]);
+    }
+
+    // Adds to the eight runs from `lowest` on, the last one first.
+    void add_downwards(int lowest, const span_lanes& added) noexcept
+    {
+        const auto turned = [](int_lanes v) { return __builtin_shufflevector(v, v, 7, 6, 5, 4, 3, 2, 1, 0); };
+        add_eight(lowest, turned(added.first), turned(added.last));
+    }
+
+    void add_eight(int i, int_lanes added_first, int_lanes added_last) noexcept
+    {
+        const auto low = load_lanes<int_lanes>(first + i);
+        const auto high = load_lanes<int_lanes>(last + i);
+        const unsigned holes = lane_bits((high >= low) & ((added_first > high + 1) | (added_last < low - 1)));
+        for (unsigned left = holes; left != 0; left &= left - 1)
+            plane_->note_hole(i + std::countr_zero(left));
+        store_lanes(first + i, lower_of(low, added_first));
+        store_lanes(last + i, higher_of(high, added_last));
     }
     void widen(const move_batch& moves, float radius, int size, int across) noexcept
     {
@@ -249,13 +272,7 @@ private:
         for (int done = 0; done < count; done += kLanes)
         {
             const int i = places.first + std::min(done, count - kLanes);
-            const auto low = load_lanes<int_lanes>(first + i);
-            const auto high = load_lanes<int_lanes>(last + i);
-            const unsigned holes = lane_bits((high >= low) & ((added.first > high + 1) | (added.last < low - 1)));
-            for (unsigned left = holes; left != 0; left &= left - 1)
-                plane_->note_hole(i + std::countr_zero(left));
-            store_lanes(first + i, lower_of(low, all_lanes(added.first)));
-            store_lanes(last + i, higher_of(high, all_lanes(added.last)));
+            add_eight(i, all_lanes(added.first), all_lanes(added.last));
         }
     }
 
