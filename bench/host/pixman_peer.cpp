@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <stdexcept>
 
 namespace bench
@@ -63,6 +64,14 @@ pixman_picture::pixman_picture(const std::vector<PF_Pixel>& straight, int width,
 pixman_picture::~pixman_picture()
 {
     pixman_image_unref(image_);
+}
+
+// By rows, as the host's worlds are: of a picture at once, the C library may write past the caches.
+void pixman_picture::restore()
+{
+    const auto width = static_cast<std::size_t>(width_);
+    for (std::size_t at = 0; at < pixels_.size(); at += width)
+        std::memcpy(pixels_.data() + at, original_.data() + at, width * sizeof pixels_[0]);
 }
 
 void pixman_picture::lay_over(pixman_picture& from, int x, int y)

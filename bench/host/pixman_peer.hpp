@@ -18,7 +18,7 @@ public:
     pixman_picture(const pixman_picture&) = delete;
     pixman_picture& operator=(const pixman_picture&) = delete;
 
-    void restore() { pixels_ = original_; } // its pixels as it was made
+    void restore(); // its pixels as it was made
 
     // Lays `from` over this picture, whole, with its corner at (x, y); or in tiles, `tiles` along each side.
     void lay_over(pixman_picture& from, int x, int y);
