@@ -94,10 +94,21 @@ private:
     [[gnu::always_inline]] static void blend_row(const PF_Pixel* src, PF_Pixel* dst, int count)
     {
         int x = 0;
+        bool divided = false;
         for (; x + wide <= count; x += wide)
-            if (!blend_alike(src + x, dst + x))
-                for (int i = 0; i < wide; i += 2 * v::count)
-                    blend_two_vectors(src + x + i, dst + x + i);
+        {
+            if (blend_alike(src + x, dst + x))
+                continue;
+            if (divided)
+                if (const int blended = blend_dividing(src + x, dst + x, count - x))
+                {
+                    x += blended - wide;
+                    continue;
+                }
+            divided = true;
+            for (int i = 0; i < wide; i += 2 * v::count)
+                divided = blend_two_vectors(src + x + i, dst + x + i) && divided;
+        }
         // Where all is nothing or all is full cover, it does no harm to blend some pixels again.
         if (x == count || (count >= wide && blend_alike(src + count - wide, dst + count - wide)))
             return;
@@ -109,7 +120,31 @@ private:
             blend_few(src + x, dst + x, count - x);
     }
 
-    [[gnu::always_inline]] static void blend_two_vectors(const PF_Pixel* src, PF_Pixel* dst)
+    // Where nearly every pixel from here on seems to need a division, by those at the beginning of every few,
+    // blends some, and says how many.
+    [[gnu::always_inline]] static int blend_dividing([[maybe_unused]] const PF_Pixel* src,
+                                                     [[maybe_unused]] PF_Pixel* dst, [[maybe_unused]] int count)
+    {
+        int x = 0;
+#if defined(__AVX2__)
+        if constexpr (Bytes == 32)
+        {
+            for (; x < 16 * most_sixteens && x + 2 * wide <= count; x += 2 * wide)
+            {
+                const word divides = dividing(v::load(src + x), v::load(dst + x));
+                const int others = _mm256_movemask_ps((__m256)(divides == 0));
+                if ((others & (others - 1)) != 0)
+                    break;
+            }
+            if (x > 0)
+                blend_sixteens(src, dst, x / 16);
+        }
+#endif
+        return x;
+    }
+
+    // Whether all of them needed a division.
+    [[gnu::always_inline]] static bool blend_two_vectors(const PF_Pixel* src, PF_Pixel* dst)
     {
 #if defined(__AVX2__)
         if constexpr (Bytes == 32)
@@ -120,23 +155,21 @@ private:
             {
                 v::store(dst, onto_opaque(s[0], d[0], s[0] & 0xff));
                 v::store(dst + v::count, onto_opaque(s[1], d[1], s[1] & 0xff));
-                return;
+                return false;
             }
             if (v::all_zero(dividing(s[0], d[0]) | dividing(s[1], d[1])))
             {
                 blend_undivided(s[0], d[0], dst);
                 blend_undivided(s[1], d[1], dst + v::count);
-                return;
+                return false;
             }
-            const auto result =
-                in_front_halves::blend({(__m256i)s[0], (__m256i)s[1]}, {(__m256i)d[0], (__m256i)d[1]});
-            v::store(dst, (word)result.first);
-            v::store(dst + v::count, (word)result.second);
-            return;
+            blend_sixteen(src, dst);
+            return true;
         }
 #endif
         blend_vector(src, dst);
         blend_vector(src + v::count, dst + v::count);
+        return false;
     }
 
     [[gnu::always_inline]] static void blend_vector(const PF_Pixel* src, PF_Pixel* dst)

@@ -60,7 +60,10 @@ TEST_P(blend_rows, are_right_for_every_pair_of_alphas_and_channels)
 TEST_P(blend_rows, are_right_for_every_pair_of_alphas_and_difference_of_channels)
 {
     // What a channel moves by depends on the alphas and on how far source and destination are apart: all there is.
+    // Once in a long row, once by few at a time.
     constexpr int count = 511 / 3 + 1;
+    constexpr int few = 19;
+    static_assert(count % few == 0);
     for (int s = 0; s < 256; ++s)
         for (int d = 0; d < 256; ++d)
         {
@@ -81,21 +84,25 @@ TEST_P(blend_rows, are_right_for_every_pair_of_alphas_and_difference_of_channels
                     difference = std::min(difference + 1, 255);
                 }
             }
+            scripted::padded_world by_few(dst);
             expect_defined(GetParam(), in_front, src, dst, 0, count,
                            std::to_string(s) + " on " + std::to_string(d));
             if (HasFatalFailure())
                 return;
+            host::blend_rows_at(GetParam(), in_front,
+                                {&src.at(0, 0), 4 * few, &by_few.at(0, 0), 4 * few, few, count / few});
+            ASSERT_EQ(by_few.difference(dst), "") << s << " on " << d;
         }
 }
 
 // Alphas as pictures have them: whole runs of nothing and of full cover, some of one value, some of any.
-void scatter_runs(scripted::padded_world& world, std::mt19937& random)
+void scatter_runs(scripted::padded_world& world, std::mt19937& random, unsigned length = 12)
 {
     world.scatter(random);
     int kind = 0;
     for (int x = 0; x < world.world().width; ++x)
     {
-        if (x == 0 || random() % 12 == 0)
+        if (x == 0 || random() % length == 0)
             kind = static_cast<int>(random() % 5);
         PF_Pixel& pixel = world.at(x, 0);
         if (kind == 0)
@@ -128,6 +135,22 @@ TEST_P(blend_rows, are_right_at_every_width_and_start)
             if (HasFatalFailure())
                 return;
         }
+}
+
+TEST_P(blend_rows, are_right_where_long_runs_begin_and_end)
+{
+    std::mt19937 random(14);
+    for (int round = 0; round < 600; ++round)
+    {
+        const int start = static_cast<int>(random() % 9);
+        const int count = static_cast<int>(random() % 1200);
+        scripted::padded_world src(start + count, 1, 5), dst(start + count, 1, 5);
+        scatter_runs(src, random, 200);
+        scatter_runs(dst, random, 500);
+        expect_defined(GetParam(), in_front, src, dst, start, count, "round " + std::to_string(round));
+        if (HasFatalFailure())
+            return;
+    }
 }
 
 TEST_P(blend_rows, are_right_one_below_the_other)
