@@ -44,6 +44,7 @@ public:
     aeg* context = nullptr;         // whose tiles are marked
     PF_Pixel* pixels = nullptr;     // the canvas
     float* coverageTable = nullptr; // kTableRows x kTableColumns
+    float halfDiagonal = 0.0f;      // half of what a pixel's diagonal is longer than its side, pixels
     std::int32_t width = 0;         // of the canvas, pixels
     std::int32_t height = 0;
     std::int32_t rowBytes = 0;

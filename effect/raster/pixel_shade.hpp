@@ -4,6 +4,7 @@
 
 #include "effect/raster/lanes.hpp"
 #include "effect/raster/line_creator.hpp"
+#include "effect/raster/pixel_coverage.hpp"
 
 #include <bit>
 
@@ -13,7 +14,7 @@ class pixel_shade
 {
 public:
     explicit pixel_shade(const LineCreatorClass& creator) noexcept
-        : table_(creator.coverageTable), core_(creator.coreOpacity), smooth_(creator.samplesPerPixel > 1)
+        : half_diagonal_(creator.halfDiagonal), core_(creator.coreOpacity), smooth_(creator.samplesPerPixel > 1)
     {
     }
 
@@ -54,23 +55,24 @@ private:
         return whole(fits ? product : all_lanes(0.0f)) & 0xff;
     }
 
+    // Edges are above 0 and below 2, where it matters, so that the table's row is a filled one.
     float_lanes coverage(float_lanes edge, float_lanes offset, float_lanes dist) const noexcept
     {
         const float_lanes ratio = offset / dist;
         const float_lanes sine = dist != 0.0f ? ratio : all_lanes(0.0f);
-        const int_lanes row = held(edge * 100.0f, LineCreatorClass::kTableRows - 1);
-        const int_lanes column = held(sine * 255.0f, LineCreatorClass::kTableColumns - 1);
-        return gather(table_, row * LineCreatorClass::kTableColumns + column);
+        const float_lanes column = held(sine * 255.0f, LineCreatorClass::kTableColumns - 1);
+        const float_lanes row = held(edge * 100.0f, LineCreatorClass::kTableFilledRows - 1);
+        return covered_share(row, extent_at(column, half_diagonal_));
     }
 
     // Toward zero, held to 0 .. last; 0 for what is no number.
-    static int_lanes held(float_lanes v, int last) noexcept
+    static float_lanes held(float_lanes v, int last) noexcept
     {
         const float_lanes low = v > 0.0f ? v : all_lanes(0.0f);
-        return whole(lower_of(low, all_lanes(static_cast<float>(last))));
+        return __builtin_convertvector(whole(lower_of(low, all_lanes(static_cast<float>(last)))), float_lanes);
     }
 
-    const float* table_;
+    float half_diagonal_;
     float core_;
     bool smooth_;
 };
