@@ -164,10 +164,47 @@ public:
         if (high - low > kMostCells ||
             lane_bits((above < low) | (below < low) | (above > high) | (below > high)) != 0)
             return false;
+        base_ = low;
         low_ = low;
         high_ = high;
         return near_enough(at, row, height, above, below) && set_boundaries() && in_order();
     }
+
+    // Leaves out, of a block that was entered, the places before and behind those that pixels of these rows,
+    // counted from the block's first, are nearest to. The boundaries of the others pass by them on one side, and
+    // since they are in order, all up to some and all from some on.
+    void narrow(span rows) noexcept
+    {
+        const auto first = static_cast<float>(rows.first);
+        const auto last = static_cast<float>(rows.last);
+        const int count = high_ - base_;
+        // The first boundary, counted from base_ on, that some column is not behind all the way,
+        int begin = 1;
+        for (unsigned bits = 0; begin <= count && bits == 0;)
+        {
+            const auto left = load_lanes<float_lanes>(left_ + begin);
+            const auto slope = load_lanes<float_lanes>(slope_ + base_ + begin);
+            bits = lane_bits(higher_of(left - slope * first, left - slope * last) > 1.0f - kBeside);
+            begin += bits != 0 ? std::countr_zero(bits) : kLanes;
+        }
+        begin = std::min(begin, count + 1);
+        // and the last one that some column gets behind.
+        int end = count;
+        for (unsigned bits = 0; end >= begin && bits == 0;)
+        {
+            const int from = std::max(end - kLanes + 1, 1);
+            const auto left = load_lanes<float_lanes>(left_ + from);
+            const auto slope = load_lanes<float_lanes>(slope_ + base_ + from);
+            bits = lane_bits(lower_of(left - slope * first, left - slope * last) <
+                             static_cast<float>(kLanes) + kBeside) &
+                   ((2U << static_cast<unsigned>(end - from)) - 1);
+            end = from + std::bit_width(bits) - 1;
+        }
+        low_ = base_ + begin - 1;
+        high_ = base_ + std::max(end, begin - 1);
+    }
+    // The places that are left.
+    span places() const noexcept { return {low_, high_}; }
 
     // Whether such a block's pixels are so near to their places that rounding can be told from distance.
     bool near_enough(int at, int row, int height, int_lanes above, int_lanes below) noexcept
@@ -247,11 +284,11 @@ private:
 
     // The boundaries to be noted, as numbers from .first to .last: for places all of them, for colours alone those
     // between different ones.
-    span boundaries(std::uint64_t) const noexcept { return {1, high_ - low_}; }
+    span boundaries(std::uint64_t) const noexcept { return {low_ + 1 - base_, high_ - base_}; }
     span boundaries(std::uint32_t) const noexcept { return {changes_[low_], changes_[high_] - 1}; }
-    // Which one, counted from low_ on, a number means.
+    // Which one, counted from base_ on, a number means.
     static int boundary(int number, std::uint64_t) noexcept { return number; }
-    int boundary(int number, std::uint32_t) const noexcept { return changing_[number] - low_; }
+    int boundary(int number, std::uint32_t) const noexcept { return changing_[number] - base_; }
 
     static constexpr int kMostCells = 184;
     static constexpr float kFarthest = 300.0f; // pixels, of a pixel from its place
@@ -291,7 +328,7 @@ private:
             const auto cross_before = load_lanes<float_lanes>(places_.cross + j - 1);
             const auto slope = load_lanes<float_lanes>(slope_ + j);
             const float_lanes leaning = slope * (0.5f * ((cross - top) + (cross_before - top)));
-            const int i = j - low_;
+            const int i = j - base_;
             store_lanes(left_ + i, 0.5f * ((main - origin) + (before - origin)) + leaning + 0.5f);
             store_lanes(doubt_ + i, near_ * magnitude(load_lanes<float_lanes>(inverse_ + j)));
             const int_lanes flat =
@@ -309,7 +346,7 @@ private:
         int_lanes narrow = all_lanes(0);
         for (int j = low_ + 1; j < high_; j += kLanes)
         {
-            const int i = j - low_;
+            const int i = j - base_;
             const float_lanes width = load_lanes<float_lanes>(left_ + i + 1) - load_lanes<float_lanes>(left_ + i);
             const float_lanes growth =
                 load_lanes<float_lanes>(slope_ + j) - load_lanes<float_lanes>(slope_ + j + 1);
@@ -340,11 +377,11 @@ private:
             });
     }
 
-    // Notes the steps over boundary low_ + i. Answers in which columns there may be a pixel's centre on it.
+    // Notes the steps over boundary base_ + i. Answers in which columns there may be a pixel's centre on it.
     template <class Number>
     unsigned note_boundary(int i, Number* noted) noexcept
     {
-        const int j = low_ + i;
+        const int j = base_ + i;
         const float_lanes crossed = crossing(kColumns, all_lanes(left_[i]), all_lanes(inverse_[j]));
         const float_lanes held = lower_of(higher_of(crossed, all_lanes(kNever)), all_lanes(most_));
         const int_lanes row = whole(held);
@@ -360,7 +397,7 @@ private:
     }
 
     // Pixels whose centres lie next to a boundary are decided by distances as the rasteriser has them, and
-    // corrected where their steps say something else: eight at once, each a number of a boundary, from low_ on,
+    // corrected where their steps say something else: eight at once, each a number of a boundary, from base_ on,
     // by kLanes, and a column.
     template <class Number>
     void settle_later(int pixel, Number* noted) noexcept
@@ -386,7 +423,7 @@ private:
     {
         const int_lanes i = pixels >> static_cast<std::int32_t>(kLaneBits);
         const int_lanes lane = pixels & (kLanes - 1);
-        const int_lanes j = i + low_;
+        const int_lanes j = i + base_;
         const float_lanes column = __builtin_convertvector(lane, float_lanes);
         const float_lanes inverse = gather(inverse_, j);
         const float_lanes held = lower_of(
@@ -417,7 +454,7 @@ private:
     template <class Number>
     void settle_long(int i, unsigned lanes, Number* noted) noexcept
     {
-        const int j = low_ + i;
+        const int j = base_ + i;
         const auto last = static_cast<float>(rows_.last - rows_.first);
         for (; lanes != 0; lanes &= lanes - 1)
         {
@@ -460,9 +497,10 @@ private:
 
     static constexpr float_lanes kColumns = {1.0f, 2.0f, 3.0f, 4.0f, 5.0f, 6.0f, 7.0f, 8.0f};
     static constexpr float kRowsBefore = 2.0f;
-    static constexpr float kNever = 0.5f; // before all rows
-    static constexpr float kLong = 0.5f;  // rows
-    static constexpr int kMiddle = 3;     // of eight columns
+    static constexpr float kNever = 0.5f;    // before all rows
+    static constexpr float kLong = 0.5f;     // rows
+    static constexpr int kMiddle = 3;        // of eight columns
+    static constexpr float kBeside = 0.125f; // pixels: boundaries this far from all columns are not crossed there
     static constexpr int kRoom = kMostCells + 2 * kLanes;
     static constexpr int kNotes = (kMostRows + 4) * kLanes;
 
@@ -476,11 +514,12 @@ private:
     int at_ = 0;
     int row_ = 0;
     int height_ = 0;
-    int low_ = 0;
+    int base_ = 0; // the place from which boundaries are counted
+    int low_ = 0;  // places that pixels may be nearest to
     int high_ = 0;
     float farthest_ = 0.0f;
     float near_ = 0.0f; // a pixel's centre this near to a boundary may lie on either side of it
-    // Of boundary low_ + number:
+    // Of boundary base_ + number:
     float left_[kRoom] = {};
     float doubt_[kRoom] = {}; // rows around the crossing
     // Of the rows that are noted:

@@ -145,7 +145,7 @@ private:
             return;
         lane_pixels t(b.tile * kLanes);
         const bool known = find_ends(b, t.at);
-        if (known && enter(b, &t))
+        if (known && enter(b, rows, &t))
             draw_columns(t, b.top, rows, paint);
         else if (known && b.halvings < kMostHalvings)
             halve(b);
@@ -191,12 +191,18 @@ private:
     }
 
     // Whether each of those places has a cell all through the block.
-    bool enter(const block& b, lane_pixels* t) noexcept
+    bool enter(const block& b, span rows, lane_pixels* t) noexcept
     {
         const int_lanes above = b.above->lanes_at(t->at);
         const int_lanes below = b.below->lanes_at(t->at);
         if (!in_order_ || !steps_.enter(t->at, b.top, b.height, low_, high_, above, below))
             return false;
+        if (rows.last - rows.first + 1 < b.height)
+        {
+            steps_.narrow({rows.first - b.top, rows.last - b.top});
+            low_ = steps_.places().first;
+            high_ = steps_.places().last;
+        }
         t->all_inside = windows_.all_inside(places_, low_, high_ + 1);
         set_lanes(*t, b.tile, above, below);
         return true;
