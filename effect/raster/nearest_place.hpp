@@ -69,17 +69,6 @@ public:
     {
     }
 
-    // Sets the candidates and the rows in reach of the tile's pixels. Tiles come in ascending order.
-    void enter_pixels(stroke_tile& t) noexcept
-    {
-        const float first = static_cast<float>(t.at) + 0.5f;
-        const float last = first + static_cast<float>(kLanes - 1);
-        near_.move(places_, first - reach_.distance, last + reach_.distance);
-        t.begin = near_.begin;
-        t.end = near_.end;
-        t.reach = rows_in_reach(t);
-    }
-
     // Sets the candidates and the rows in reach of the tile, for searches. Tiles come in ascending order.
     void enter(stroke_tile& t) noexcept
     {

@@ -6,6 +6,7 @@
 #include "effect/raster/covered_rows.hpp"
 #include "effect/raster/nearest_place.hpp"
 #include "effect/raster/place_crowd.hpp"
+#include "effect/raster/reach_rows.hpp"
 #include "effect/raster/row_cells.hpp"
 #include "effect/raster/stroke_canvas.hpp"
 #include "effect/raster/swept_plane.hpp"
@@ -39,15 +40,16 @@ public:
         tiles_ = (canvas_.size + kLanes - 1) / kLanes;
         scratch_memory left = memory;
         rows_ = left.take<span>(tiles_);
-        if (rows_ == nullptr || !steps_.take(left))
+        reach_rows reached;
+        if (rows_ == nullptr || !steps_.take(left) ||
+            !reached.take(places_, reach_.distance, canvas_.across, left))
             return false;
         for (row_cells* cells : {&edges_[0], &edges_[1], &halves_[0], &halves_[1]})
             if (!cells->take(places_, canvas_.size, row_cells::detail::pixels, left))
                 return false;
         memory = left;
-        nearest_place ahead(places_, reach_, canvas_.across);
         for (int tile = 0; tile < tiles_; ++tile)
-            rows_[tile] = rows_of(tile, ahead);
+            rows_[tile] = rows_of(tile, reached.of(tile * kLanes));
         return true;
     }
 
@@ -104,17 +106,15 @@ private:
         return false;
     }
 
-    // The rows of a tile in which there is anything to draw.
-    span rows_of(int tile, nearest_place& ahead) noexcept
+    // The rows of a tile in which there is anything to draw, of those that are reached.
+    span rows_of(int tile, span reached) noexcept
     {
-        stroke_tile t(tile * kLanes);
-        t.reach = {0, canvas_.across - 1};
-        ahead.enter_pixels(t);
+        const int at = tile * kLanes;
         span rows = {canvas_.across, -1};
-        for (int i = t.at; i < t.at + lanes_of(tile); ++i)
+        for (int i = at; i < at + lanes_of(tile); ++i)
         {
-            first_[i] = std::max(first_[i], t.reach.first);
-            last_[i] = std::min(last_[i], t.reach.last);
+            first_[i] = std::max(first_[i], reached.first);
+            last_[i] = std::min(last_[i], reached.last);
             if (first_[i] <= last_[i])
                 rows = {std::min(rows.first, first_[i]), std::max(rows.last, last_[i])};
         }
