@@ -167,7 +167,7 @@ public:
         base_ = low;
         low_ = low;
         high_ = high;
-        return near_enough(at, row, height, above, below) && set_boundaries() && in_order();
+        return near_enough(at, row, height, above, below) && set_boundaries();
     }
 
     // Leaves out, of a block that was entered, the places before and behind those that pixels of these rows,
@@ -313,47 +313,40 @@ private:
                static_cast<float>(kLanes - kMiddle);
     }
 
-    // Boundary j, between cells j - 1 and j: in the block's row y it lies left + move * y pixels behind a pixel
-    // that is one before the block's first. False where they lean too much.
+    // Boundary j, between cells j - 1 and j: in the block's row y it lies left - slope * y pixels behind a pixel
+    // that is one before the block's first. False where one leans too much, or where not all cells but the outer
+    // two are wide enough to tell in the block's first row and behind its last.
     bool set_boundaries() noexcept
     {
         const auto origin = static_cast<float>(at_);
         const float top = centre_of(row_);
-        int_lanes steep = all_lanes(0);
+        const float wide = 4.0f * near_;
+        const auto height = static_cast<float>(height_);
+        int_lanes bad = all_lanes(0);
         for (int j = low_ + 1; j <= high_; j += kLanes)
         {
-            const auto main = load_lanes<float_lanes>(places_.main + j);
-            const auto before = load_lanes<float_lanes>(places_.main + j - 1);
-            const auto cross = load_lanes<float_lanes>(places_.cross + j);
-            const auto cross_before = load_lanes<float_lanes>(places_.cross + j - 1);
+            const auto main = load_lanes<float_lanes>(places_.main + j) - origin;
+            const auto main_before = load_lanes<float_lanes>(places_.main + j - 1) - origin;
+            const auto main_behind = load_lanes<float_lanes>(places_.main + j + 1) - origin;
+            const auto cross = load_lanes<float_lanes>(places_.cross + j) - top;
+            const auto cross_before = load_lanes<float_lanes>(places_.cross + j - 1) - top;
+            const auto cross_behind = load_lanes<float_lanes>(places_.cross + j + 1) - top;
             const auto slope = load_lanes<float_lanes>(slope_ + j);
-            const float_lanes leaning = slope * (0.5f * ((cross - top) + (cross_before - top)));
+            const auto slope_behind = load_lanes<float_lanes>(slope_ + j + 1);
+            const float_lanes leaning = slope * (0.5f * (cross + cross_before));
+            const float_lanes left = 0.5f * (main + main_before) + leaning + 0.5f;
+            const float_lanes left_behind =
+                0.5f * (main_behind + main) + slope_behind * (0.5f * (cross_behind + cross)) + 0.5f;
             const int i = j - base_;
-            store_lanes(left_ + i, 0.5f * ((main - origin) + (before - origin)) + leaning + 0.5f);
+            store_lanes(left_ + i, left);
             store_lanes(doubt_ + i, near_ * magnitude(load_lanes<float_lanes>(inverse_ + j)));
             const int_lanes flat =
                 (magnitude(slope) <= kSteepest) & (magnitude(leaning) <= row_cells::kMostLeaning);
-            steep |= (flat == 0) & (kLaneNumbers <= high_ - j);
+            const float_lanes width = left_behind - left;
+            const int_lanes enough = (width >= wide) & (width + (slope - slope_behind) * height >= wide);
+            bad |= ((flat == 0) & (kLaneNumbers <= high_ - j)) | ((enough == 0) & (kLaneNumbers < high_ - j));
         }
-        return lane_bits(steep) == 0;
-    }
-
-    // Whether all cells but the outer two are wide enough to tell in the block's first row and behind its last.
-    bool in_order() const noexcept
-    {
-        const float wide = 4.0f * near_;
-        const auto height = static_cast<float>(height_);
-        int_lanes narrow = all_lanes(0);
-        for (int j = low_ + 1; j < high_; j += kLanes)
-        {
-            const int i = j - base_;
-            const float_lanes width = load_lanes<float_lanes>(left_ + i + 1) - load_lanes<float_lanes>(left_ + i);
-            const float_lanes growth =
-                load_lanes<float_lanes>(slope_ + j) - load_lanes<float_lanes>(slope_ + j + 1);
-            const int_lanes enough = (width >= wide) & (width + growth * height >= wide);
-            narrow |= (enough == 0) & (kLaneNumbers < high_ - j);
-        }
-        return lane_bits(narrow) == 0;
+        return lane_bits(bad) == 0;
     }
 
     // The row in which columns cross a boundary, counted from kRowsBefore before the first of those that are

@@ -127,16 +127,13 @@ private:
     {
         if (places_.one_radius)
             return places_.radius[begin];
-        float_lanes least = all_lanes(std::numeric_limits<float>::infinity());
+        constexpr float kNone = std::numeric_limits<float>::infinity();
+        float_lanes thin = all_lanes(kNone);
         int j = begin;
         for (; j + kLanes <= end; j += kLanes)
-            least = lower_of(load_lanes<float_lanes>(places_.radius + j), least);
-        float thin = std::numeric_limits<float>::infinity();
-        for (int i = 0; i < kLanes; ++i)
-            thin = std::min(thin, least[i]);
-        for (; j < end; ++j)
-            thin = std::min(thin, places_.radius[j]);
-        return thin;
+            thin = lower_of(load_lanes<float_lanes>(places_.radius + j), thin);
+        const auto rest = load_lanes<float_lanes>(places_.radius + j);
+        return least(lower_of(kLaneNumbers < end - j ? rest : all_lanes(kNone), thin));
     }
 
     const LineCreatorClass& creator_;
