@@ -157,12 +157,11 @@ public:
     const float* slopes() const noexcept { return slope_; }
 
     // Whether the block of main positions `at` to `at` + 7 and `height` rows from `row` on can be told: `above`
-    // are the places nearest to row `row`, `below` those nearest to row `row` + `height`, and no pixel between is
-    // nearest to any but places `low` to `high`.
+    // are places near row `row`, `below` such near row `row` + `height`, and no pixel between is nearest to any
+    // but places `low` to `high`.
     bool enter(int at, int row, int height, int low, int high, int_lanes above, int_lanes below) noexcept
     {
-        if (high - low > kMostCells ||
-            lane_bits((above < low) | (below < low) | (above > high) | (below > high)) != 0)
+        if (high - low > kMostCells)
             return false;
         base_ = low;
         low_ = low;

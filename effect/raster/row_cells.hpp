@@ -52,22 +52,13 @@ public:
     static constexpr float kMostLeaning = 700.0f; // pixels: what a bisector may move along from between its places
     static constexpr float kSurelyWide = 4e-3f;   // pixels: a cell that seems so wide is one
 
-    // How places are asked for: of each pixel, or of the one before each tile of eight.
-    enum class detail
-    {
-        pixels,
-        tiles,
-    };
-
     // Room for a row of `size` pixels. False where `memory` is short.
-    bool take(const stroke_candidates& places, int size, detail asked, scratch_memory& memory) noexcept
+    bool take(const stroke_candidates& places, int size, scratch_memory& memory) noexcept
     {
-        size_ = size;
+        tiles_ = (size + kLanes - 1) / kLanes;
         const int words = places.count / 64 + 1;
-        shift_ = asked == detail::pixels ? 0U : kLaneBits;
-        const int room = ((std::max(size, kLanes) + 2 * kLanes) >> shift_) + 1; // a tile may be all of some rows
         leaning_ = memory.take<float>(places.count + stroke_candidates::kPadding);
-        nearest_ = memory.take<std::int32_t>(room + kLanes);
+        nearest_ = memory.take<std::int32_t>(tiles_ + 2);
         dropped_ = memory.take<std::uint64_t>(words);
         unsure_ = memory.take<std::uint64_t>(words);
         absent_ = memory.take<std::uint64_t>(words);
@@ -78,37 +69,34 @@ public:
     // Finds the cells. `slope`: see slopes_of. Those that are not `wide`, pixels, count as none that are sure.
     void find(const stroke_candidates& places, const float* slope, int row, float wide = kSurelyWide) noexcept
     {
-        find(places, slope, row, wide, {0, places.count - 1}, {0, size_ - 1});
+        find(places, slope, row, wide, {0, places.count - 1}, {0, tiles_ + 1});
     }
 
-    // The same of these places alone, as if there were no others, and of these main positions.
+    // The same of these places alone, as if there were no others, and of these tiles' starts, up to that of the
+    // second tile behind the canvas's last.
     void find(const stroke_candidates& places, const float* slope, int row, float wide, span some,
-              span positions) noexcept
+              span tiles) noexcept
     {
         places_ = &places;
         wide_ = std::max(wide, kSurelyWide);
         center_ = static_cast<float>(row) + 0.5f;
         first_ = some.first;
         last_ = some.last;
-        before_ = kLanes - positions.first;
-        most_ = positions.last - positions.first + 1 + 2 * kLanes;
         const int word = first_ / 64;
         const int words = last_ / 64 + 1 - word;
         std::fill_n(dropped_ + word, words, std::uint64_t{0});
         std::fill_n(unsure_ + word, words, std::uint64_t{0});
         std::fill_n(absent_ + word, words, std::uint64_t{0});
         lean(slope);
-        if (judge())
+        gaps_ = judge();
+        if (gaps_)
             close_gaps();
-        lay();
+        walk(tiles);
     }
 
-    // The place nearest to the pixel at this main position, from eight before the first to seven behind the last
-    // that was asked for; or the one beside it, where the pixel's centre is within kOwnRounding of their boundary.
-    int at(int main_at) const noexcept { return nearest_[main_at + before_]; }
-    // The same of the pixel before that tile, up to the second behind the canvas's last.
-    int before_tile(int tile) const noexcept { return nearest_[tile]; }
-    int_lanes lanes_at(int main_at) const noexcept { return load_lanes<int_lanes>(nearest_ + main_at + before_); }
+    // The place nearest to the point of the row where a tile of eight pixels starts, half a pixel before its first
+    // pixel's centre; or the one beside it, where the point is within kOwnRounding of their boundary.
+    int at_start(int tile) const noexcept { return nearest_[tile]; }
 
     // Whether this place is sure to be the nearest one somewhere in the row.
     bool has(int place) const noexcept { return !bit(unsure_, place); }
@@ -314,84 +302,53 @@ private:
                (first % 64 > 64 - 9 && first / 64 < last_ / 64 && dropped_[first / 64 + 1] != 0);
     }
 
-    void lay_beside_gap(int j, std::int32_t pixel) noexcept
+    // Walks along the tiles' starts, and along the places that were not taken out.
+    void walk(span tiles) noexcept
     {
-        if (bit(dropped_, j))
-            return;
-        if (bit(dropped_, j - 1))
+        int nearest = first_;
+        for (int tile = tiles.first; tile <= tiles.last; ++tile)
         {
-            const double from = std::ceil(boundary(before(j), j) - 0.5) + static_cast<double>(before_);
-            pixel = trunc_i32_fitting(static_cast<float>(std::clamp(from, 0.0, static_cast<double>(most_))));
+            nearest = nearest_to(static_cast<float>(tile * kLanes), nearest);
+            nearest_[tile] = nearest;
         }
-        nearest_[slot(pixel)] = j;
     }
 
-    // Where pixels, counted from eight before the canvas's first, have their places: a tile's slot takes the last
-    // one that begins up to the pixel before it.
-    std::int32_t slot(std::int32_t pixel) const noexcept { return pixel >> shift_; }
-
-    // Lays the places down along the row's pixels, each from the first pixel behind its boundary on.
-    void lay() noexcept
+    // The last place whose boundary lies before this point, from one on that does.
+    int nearest_to(float point, int from) const noexcept
     {
-        // Copies, since what is stored might be these as far as a compiler knows.
-        std::int32_t* const nearest = nearest_;
-        const int last = last_;
-        const int pixels_before = before_;
-        const auto shift = static_cast<std::int32_t>(shift_);
-        const float* const mains = places_->main;
-        const float* const leaning = leaning_;
-        const int room = (most_ >> shift_) + 1;
-        std::fill_n(nearest, room, first_); // which none is below
-        const auto most = static_cast<float>(most_);
-        for (int j = first_ + 1; j <= last; j += kLanes)
+        int nearest = from;
+        for (int j = nearest + 1; j <= last_;)
         {
-            const auto origin = static_cast<float>(trunc_i32_fitting(mains[j]));
-            const auto main = load_lanes<float_lanes>(mains + j);
-            const auto before = load_lanes<float_lanes>(mains + j - 1);
-            const float_lanes from =
-                0.5f * ((main - origin) + (before - origin)) + load_lanes<float_lanes>(leaning + j) - 0.5f;
-            // Held to the row before anything is added that could round.
-            const float base = origin + static_cast<float>(pixels_before);
-            const float_lanes held = lower_of(higher_of(from, all_lanes(-base)), all_lanes(most - base));
-            const int_lanes toward_zero = whole(held);
-            const int_lanes pixel = toward_zero - (__builtin_convertvector(toward_zero, float_lanes) < held) +
-                                    static_cast<std::int32_t>(base);
-            std::int32_t at[kLanes];
-            if (gaps_beside(j))
+            if (gaps_ && gaps_beside(j))
             {
-                store_lanes(at, pixel);
-                for (int i = 0; i < std::min(kLanes, last + 1 - j); ++i)
-                    lay_beside_gap(j + i, at[i]);
+                const int next = behind(nearest);
+                if (next > last_ || boundary(nearest, next) > static_cast<double>(point))
+                    return nearest;
+                nearest = next;
+                j = next + 1;
                 continue;
             }
-            store_lanes(at, pixel >> shift);
-            if (last + 1 - j >= kLanes)
-                unrolled<kLanes>([&](int i) { nearest[at[i]] = j + i; });
-            else
-                for (int i = 0; i < last + 1 - j; ++i)
-                    nearest[at[i]] = j + i;
+            const auto main = load_lanes<float_lanes>(places_->main + j);
+            const auto before = load_lanes<float_lanes>(places_->main + j - 1);
+            const auto leaning = load_lanes<float_lanes>(leaning_ + j);
+            const float_lanes beyond = 0.5f * ((main - point) + (before - point)) + leaning;
+            const int_lanes there = kLaneNumbers <= last_ - j;
+            // Boundaries that lean too much are none to stop at: what was computed of them may be out of order.
+            const unsigned stops = lane_bits(there & (beyond > 0.0f) & (magnitude(leaning) <= kMostLeaning));
+            const unsigned passed = lane_bits(there & (beyond <= 0.0f)) & ((stops & (0U - stops)) - 1U);
+            nearest = passed != 0 ? j + std::bit_width(passed) - 1 : nearest;
+            if (stops != 0)
+                return nearest;
+            j += kLanes;
         }
-        int_lanes carried = all_lanes(first_);
-        for (int i = 0; i < room; i += kLanes)
-        {
-            constexpr int_lanes none = {};
-            auto v = load_lanes<int_lanes>(nearest + i);
-            v = higher_of(v, __builtin_shufflevector(v, none, 8, 0, 1, 2, 3, 4, 5, 6));
-            v = higher_of(v, __builtin_shufflevector(v, none, 8, 9, 0, 1, 2, 3, 4, 5));
-            v = higher_of(v, __builtin_shufflevector(v, none, 8, 9, 10, 11, 0, 1, 2, 3));
-            v = higher_of(v, carried);
-            carried = __builtin_shufflevector(v, v, 7, 7, 7, 7, 7, 7, 7, 7);
-            store_lanes(nearest + i, v);
-        }
+        return nearest;
     }
 
     const stroke_candidates* places_ = nullptr;
-    int size_ = 0;       // of the canvas along the main axis
-    unsigned shift_ = 0; // makes pixels slots
-    int first_ = 0;      // of the places that are looked at
+    int tiles_ = 0; // of the canvas along the main axis
+    int first_ = 0; // of the places that are looked at
     int last_ = 0;
-    int before_ = 0; // pixels before main position 0
-    int most_ = 0;   // pixels
+    bool gaps_ = false; // some were taken out
     float center_ = 0.0f;
     float wide_ = 0.0f;
     float* leaning_ = nullptr;

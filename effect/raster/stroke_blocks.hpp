@@ -45,7 +45,7 @@ public:
             !reached.take(places_, reach_.distance, canvas_.across, left))
             return false;
         for (row_cells* cells : {&edges_[0], &edges_[1], &halves_[0], &halves_[1]})
-            if (!cells->take(places_, canvas_.size, row_cells::detail::pixels, left))
+            if (!cells->take(places_, canvas_.size, left))
                 return false;
         memory = left;
         for (int tile = 0; tile < tiles_; ++tile)
@@ -144,7 +144,7 @@ private:
         if (rows.first > rows.last)
             return;
         lane_pixels t(b.tile * kLanes);
-        const bool known = find_ends(b, t.at);
+        const bool known = find_ends(b);
         if (known && enter(b, rows, &t))
             draw_columns(t, b.top, rows, paint);
         else if (known && b.halvings < kMostHalvings)
@@ -161,10 +161,9 @@ private:
     {
         const int half = b.height / 2;
         const int middle = b.top + half;
-        const int at = b.tile * kLanes;
         row_cells& between = halves_[b.halvings];
         between.find(places_, steps_.slopes(), middle, row_cells::kSurelyWide, {low_, high_},
-                     {at, at + kLanes - 1});
+                     {b.tile, b.tile + 1});
         wait({b.tile, middle, b.height - half, b.halvings + 1, &between, b.below, low_, high_});
         wait({b.tile, b.top, half, b.halvings + 1, b.above, &between, low_, high_});
     }
@@ -172,14 +171,14 @@ private:
     // Finds the places that those nearest to the pixels of a block lie between. False where they lie too far
     // apart.
     //
-    // Of the pixels before the tile, take the lower one of the nearest places in the block's first row and in the
-    // row behind its last. If it has a cell in both rows, that is at the pixel in one and no farther along in the
-    // other. A cell is convex, so it has one in every row between, before the tile; and along a row places follow
-    // each other.
-    bool find_ends(const block& b, int at) noexcept
+    // Where the tile starts, take the lower one of the nearest places in the block's first row and in the row
+    // behind its last. If it has a cell in both rows, that is at the tile's start in one and no farther along in
+    // the other. A cell is convex, so it has one in every row between, before the tile's pixels; and along a row
+    // places follow each other.
+    bool find_ends(const block& b) noexcept
     {
-        low_ = std::min(b.above->at(at - 1), b.below->at(at - 1));
-        high_ = std::max(b.above->at(at + kLanes), b.below->at(at + kLanes));
+        low_ = std::min(b.above->at_start(b.tile), b.below->at_start(b.tile));
+        high_ = std::max(b.above->at_start(b.tile + 1), b.below->at_start(b.tile + 1));
         const int lowest = std::max(low_ - kMostSpread, b.lowest);
         const int highest = std::min(high_ + kMostSpread, b.highest);
         in_order_ = true;
@@ -190,11 +189,19 @@ private:
         return (low_ == b.lowest || low_ > lowest) && (high_ == b.highest || high_ < highest);
     }
 
+    // For each pixel of a row with these cells some place that is about the nearest.
+    static int_lanes places_along(const row_cells& cells, int tile) noexcept
+    {
+        const int first = cells.at_start(tile);
+        const int last = cells.at_start(tile + 1);
+        return first + (((last - first) * (2 * kLaneNumbers + 1)) >> static_cast<std::int32_t>(kLaneBits + 1));
+    }
+
     // Whether each of those places has a cell all through the block.
     bool enter(const block& b, span rows, lane_pixels* t) noexcept
     {
-        const int_lanes above = b.above->lanes_at(t->at);
-        const int_lanes below = b.below->lanes_at(t->at);
+        const int_lanes above = places_along(*b.above, b.tile);
+        const int_lanes below = places_along(*b.below, b.tile);
         if (!in_order_ || !steps_.enter(t->at, b.top, b.height, low_, high_, above, below))
             return false;
         if (rows.last - rows.first + 1 < b.height)
@@ -213,8 +220,8 @@ private:
     // nearest to it is cut by that row first. False where they are too many.
     bool enter_crowd(const block& b, lane_pixels* t) noexcept
     {
-        const int_lanes above = b.above->lanes_at(t->at);
-        const int_lanes below = b.below->lanes_at(t->at);
+        const int_lanes above = places_along(*b.above, b.tile);
+        const int_lanes below = places_along(*b.below, b.tile);
         if (!steps_.near_enough(t->at, b.top, b.height, above, below))
             return false;
         const auto first = static_cast<float>(b.top);

@@ -177,8 +177,7 @@ private:
         for (int e = 0; e < kMostEdges; ++e)
         {
             found_[e] = false;
-            if (first_row(e) <= canvas_.across + 2 * height_ &&
-                !edges_[e].take(places_, canvas_.size, row_cells::detail::tiles, memory))
+            if (first_row(e) <= canvas_.across + 2 * height_ && !edges_[e].take(places_, canvas_.size, memory))
                 return false;
         }
         return true;
@@ -217,9 +216,9 @@ private:
         high_ = 0;
         for (int e = block; e <= behind; ++e)
         {
-            // The pixel before the tile, and the last one of the next.
-            low_ = std::min(low_, edge(e).before_tile(t.at / kLanes));
-            high_ = std::max(high_, edge(e).before_tile(t.at / kLanes + 2));
+            // From the tile's start to the end of the next.
+            low_ = std::min(low_, edge(e).at_start(t.at / kLanes));
+            high_ = std::max(high_, edge(e).at_start(t.at / kLanes + 2));
         }
         crowded_ = false;
         for (int e = block; e <= behind && !crowded_; ++e)

@@ -91,6 +91,25 @@ std::string where(unsigned seed, int kind, int row)
 {
     return "seed " + std::to_string(seed) + ", kind " + std::to_string(kind) + ", row " + std::to_string(row);
 }
+
+// The place that cells of some places have where a tile starts is the nearest one of them, or the one beside it,
+// where its cell is sure. Answers 1 if it is.
+int expect_nearest(const row_of_places& r, const row_cells& cells, span some, int tile, double y,
+                   const std::string& place)
+{
+    const int found = cells.at_start(tile);
+    EXPECT_TRUE(some.first <= found && found <= some.last) << place << ", tile " << tile;
+    if (found < some.first || found > some.last || !cells.has(found))
+        return 0;
+    const double x = tile * kLanes;
+    const int best = r.nearest_of(some.first, some.last, x, y);
+    const double off = r.squared(found, x, y) - r.squared(best, x, y);
+    // At 5e-4 pixels from a boundary, squared distances differ by 1e-3 of what their places are apart.
+    const double apart = std::fabs(static_cast<double>(r.main[static_cast<std::size_t>(found)]) -
+                                   static_cast<double>(r.main[static_cast<std::size_t>(best)]));
+    EXPECT_LE(off, 1e-3 * apart) << place << ", tile " << tile;
+    return 1;
+}
 } // namespace
 
 class row_cells_of : public ::testing::TestWithParam<int>
@@ -110,43 +129,25 @@ TEST_P(row_cells_of, random_places_are_what_a_look_at_all_finds)
         const double y = row + 0.5;
         scratch_memory memory(r.room.data(), r.room.size());
         const float* const slopes = slopes_of(r.places, memory);
-        row_cells pixels;
-        row_cells tiles;
-        ASSERT_TRUE(pixels.take(r.places, r.size, row_cells::detail::pixels, memory));
-        ASSERT_TRUE(tiles.take(r.places, r.size, row_cells::detail::tiles, memory));
-        pixels.find(r.places, slopes, row);
-        tiles.find(r.places, slopes, row);
+        row_cells cells;
+        ASSERT_TRUE(cells.take(r.places, r.size, memory));
+        cells.find(r.places, slopes, row);
 
         std::vector<bool> seen(static_cast<std::size_t>(r.places.count));
         for (int i = -8 * 16; i < (r.size + 8) * 16; ++i)
             seen[static_cast<std::size_t>(r.nearest(i / 16.0 + 0.03125, y))] = true;
         for (int j = 0; j < r.places.count; ++j)
         {
-            sure += pixels.has(j) ? 1 : 0;
-            lacking += pixels.lacks(j) ? 1 : 0;
-            EXPECT_FALSE(pixels.lacks(j) && seen[static_cast<std::size_t>(j)]) << where(seed, GetParam(), row);
-            EXPECT_EQ(pixels.has(j), tiles.has(j));
-            if (pixels.has(j) && j > 0 && j < r.places.count - 1)
+            sure += cells.has(j) ? 1 : 0;
+            lacking += cells.lacks(j) ? 1 : 0;
+            EXPECT_FALSE(cells.lacks(j) && seen[static_cast<std::size_t>(j)]) << where(seed, GetParam(), row);
+            if (cells.has(j) && j > 0 && j < r.places.count - 1)
             {
                 EXPECT_EQ(r.nearest(r.middle_of_cell(j, y), y), j) << where(seed, GetParam(), row);
             }
         }
-        for (int at = -8; at < r.size + 8; ++at)
-        {
-            const int found = pixels.at(at);
-            const int best = r.nearest(at + 0.5, y);
-            const double off = r.squared(found, at + 0.5, y) - r.squared(best, at + 0.5, y);
-            if (!pixels.has(found))
-                continue;
-            ++told;
-            // At 5e-4 pixels from a boundary, squared distances differ by 1e-3 of what their places are apart.
-            const double apart = std::fabs(static_cast<double>(r.main[static_cast<std::size_t>(found)]) -
-                                           static_cast<double>(r.main[static_cast<std::size_t>(best)]));
-            EXPECT_LE(off, 1e-3 * apart) << where(seed, GetParam(), row) << ", pixel " << at;
-            EXPECT_LE(std::abs(found - best), 1) << where(seed, GetParam(), row) << ", pixel " << at;
-        }
-        for (int tile = 0; tile <= r.size / kLanes + 1 && tile * kLanes - 1 < r.size + 8; ++tile)
-            EXPECT_EQ(tiles.before_tile(tile), pixels.at(tile * kLanes - 1)) << where(seed, GetParam(), row);
+        for (int tile = 0; tile <= (r.size + kLanes - 1) / kLanes + 1; ++tile)
+            told += expect_nearest(r, cells, {0, r.places.count - 1}, tile, y, where(seed, GetParam(), row));
     }
     EXPECT_GT(told, 0);
     EXPECT_GT(sure, 0);
@@ -168,12 +169,13 @@ TEST_P(row_cells_of, some_places_are_what_a_look_at_those_finds)
         const double y = row + 0.5;
         const int first = d.whole(0, r.places.count - 2);
         const int last = std::min(first + d.whole(1, 150), r.places.count - 1);
-        const int from = d.whole(0, r.size - 1);
-        const int to = std::min(from + d.whole(0, 20), r.size - 1);
+        const int tiles = (r.size + kLanes - 1) / kLanes;
+        const int from = d.whole(0, tiles - 1);
+        const int to = std::min(from + d.whole(0, 3), tiles + 1);
         scratch_memory memory(r.room.data(), r.room.size());
         const float* const slopes = slopes_of(r.places, memory);
         row_cells cells;
-        ASSERT_TRUE(cells.take(r.places, r.size, row_cells::detail::pixels, memory));
+        ASSERT_TRUE(cells.take(r.places, r.size, memory));
         // What another row has left must not be seen.
         cells.find(r.places, slopes, (row + kAcross / 2) % kAcross);
         cells.find(r.places, slopes, row, 0.0f, {first, last}, {from, to});
@@ -186,19 +188,8 @@ TEST_P(row_cells_of, some_places_are_what_a_look_at_those_finds)
             lacking += cells.lacks(j) ? 1 : 0;
             EXPECT_FALSE(cells.lacks(j) && seen[static_cast<std::size_t>(j)]) << where(seed, GetParam(), row);
         }
-        for (int at = from - 8; at < to + 8; ++at)
-        {
-            const int found = cells.at(at);
-            ASSERT_TRUE(first <= found && found <= last) << where(seed, GetParam(), row) << ", pixel " << at;
-            const int best = r.nearest_of(first, last, at + 0.5, y);
-            if (!cells.has(found))
-                continue;
-            ++told;
-            const double off = r.squared(found, at + 0.5, y) - r.squared(best, at + 0.5, y);
-            const double apart = std::fabs(static_cast<double>(r.main[static_cast<std::size_t>(found)]) -
-                                           static_cast<double>(r.main[static_cast<std::size_t>(best)]));
-            EXPECT_LE(off, 1e-3 * apart) << where(seed, GetParam(), row) << ", pixel " << at;
-        }
+        for (int tile = from; tile <= to; ++tile)
+            told += expect_nearest(r, cells, {first, last}, tile, y, where(seed, GetParam(), row));
     }
     EXPECT_GT(told, 0);
     if (GetParam() == 0)
@@ -229,7 +220,7 @@ TEST(row_cells, asks_for_all_of_a_range)
     scratch_memory memory(room.data(), room.size());
     const float* const slopes = slopes_of(places, memory);
     row_cells cells;
-    ASSERT_TRUE(cells.take(places, 201, row_cells::detail::pixels, memory));
+    ASSERT_TRUE(cells.take(places, 201, memory));
     cells.find(places, slopes, 150);
     EXPECT_FALSE(cells.has(100));
     EXPECT_TRUE(cells.lacks(100));
@@ -239,8 +230,8 @@ TEST(row_cells, asks_for_all_of_a_range)
     EXPECT_FALSE(cells.has_all(0, 100));
     EXPECT_FALSE(cells.has_all(100, 200));
     EXPECT_TRUE(cells.has_all(3, 3));
-    // The foot of (20.5, 150.5) on the line from (0, 200) to (100, 100).
-    EXPECT_EQ(cells.at(20), 35);
+    // The foot of (24, 150.5) on the line from (0, 200) to (100, 100) is at 36.75.
+    EXPECT_EQ(cells.at_start(3), 37);
 
     cells.find(places, slopes, 20);
     EXPECT_TRUE(cells.has_all(1, 199));
