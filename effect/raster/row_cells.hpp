@@ -17,6 +17,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -254,25 +255,51 @@ private:
         for (;;)
         {
             const double between = boundary(l, r);
-            if (left >= between)
+            const bool left_is_past = left >= between;
+            const bool right_is_past = between >= right;
+            if (!left_is_past && !right_is_past)
+                break;
+            if (left_is_past)
             {
-                drop(l, left - between);
                 l = before(l);
                 left = left_of(l);
             }
-            else if (between >= right)
+            // That place l was taken out does not matter here: what lies above it and the next one does so, too,
+            // above any two of which it lies above.
+            if (right_is_past)
             {
-                drop(r, between - right);
                 r = behind(r);
                 right = right_of(r);
             }
-            else
-            {
-                set(unsure_, l);
-                set(unsure_, r);
-                return r;
-            }
         }
+        for (int j = l + 1; j < r; j += kLanes)
+        {
+            const unsigned some = 0xffU >> static_cast<unsigned>(std::max(kLanes - (r - j), 0));
+            set_eight(dropped_, j, some);
+            set_eight(unsure_, j, some);
+            set_eight(absent_, j, some & lane_bits(clearly_past(j, l, r)));
+        }
+        set(unsure_, l);
+        set(unsure_, r);
+        return r;
+    }
+
+    // Which of eight places from j on, between l and r, have their bisectors with these kClearly, and a quarter
+    // more for single precision, the wrong way round.
+    int_lanes clearly_past(int j, int l, int r) const noexcept
+    {
+        const auto main = load_lanes<float_lanes>(places_->main + j);
+        const auto cross = load_lanes<float_lanes>(places_->cross + j) - center_;
+        const auto half_bisector = [&](int k)
+        {
+            const float along = places_->main[k];
+            const float across = places_->cross[k] - center_;
+            return std::pair{0.5f * along, (across - cross) / (along - main) * (0.5f * (across + cross))};
+        };
+        const auto [before, leaning_before] = half_bisector(l);
+        const auto [behind, leaning_behind] = half_bisector(r);
+        return (magnitude(leaning_before) <= kMostLeaning) & (magnitude(leaning_behind) <= kMostLeaning) &
+               ((before - behind) + (leaning_before - leaning_behind) >= static_cast<float>(1.25 * kClearly));
     }
 
     // Where the bisector of a place and the next one that was not taken out crosses the row.
@@ -283,14 +310,6 @@ private:
     double right_of(int r) const noexcept
     {
         return r < last_ ? boundary(r, behind(r)) : std::numeric_limits<double>::infinity();
-    }
-
-    void drop(int j, double past) noexcept
-    {
-        set(dropped_, j);
-        set(unsure_, j);
-        if (past >= kClearly)
-            set(absent_, j);
     }
 
     // Whether any of place j - 1 and the eight from j on was taken out.
