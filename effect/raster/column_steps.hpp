@@ -197,7 +197,7 @@ public:
             bits = lane_bits(lower_of(left - slope * first, left - slope * last) <
                              static_cast<float>(kLanes) + kBeside) &
                    ((2U << static_cast<unsigned>(end - from)) - 1);
-            end = from + std::bit_width(bits) - 1;
+            end = from + 31 - std::countl_zero(bits);
         }
         low_ = base_ + begin - 1;
         high_ = base_ + std::max(end, begin - 1);

@@ -355,7 +355,7 @@ private:
             // Boundaries that lean too much are none to stop at: what was computed of them may be out of order.
             const unsigned stops = lane_bits(there & (beyond > 0.0f) & (magnitude(leaning) <= kMostLeaning));
             const unsigned passed = lane_bits(there & (beyond <= 0.0f)) & ((stops & (0U - stops)) - 1U);
-            nearest = passed != 0 ? j + std::bit_width(passed) - 1 : nearest;
+            nearest = passed != 0 ? j + 31 - std::countl_zero(passed) : nearest;
             if (stops != 0)
                 return nearest;
             j += kLanes;
