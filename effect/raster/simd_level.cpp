@@ -8,7 +8,9 @@ namespace
 simd_level highest_level() noexcept
 {
 #if defined(__x86_64__)
-    return __builtin_cpu_supports("avx2") != 0 ? simd_level::avx2 : simd_level::baseline;
+    const bool all = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi") != 0 &&
+                     __builtin_cpu_supports("bmi2") != 0;
+    return all ? simd_level::avx2 : simd_level::baseline;
 #else
     return simd_level::baseline;
 #endif

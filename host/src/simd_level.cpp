@@ -23,7 +23,8 @@ simd_level read_level()
 bool machine_has(simd_level level)
 {
 #if defined(__x86_64__)
-    return level != simd_level::avx2 || __builtin_cpu_supports("avx2");
+    return level != simd_level::avx2 ||
+           (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2"));
 #else
     return level != simd_level::avx2;
 #endif
