@@ -17,7 +17,6 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <utility>
 
 namespace
 {
@@ -284,22 +283,22 @@ private:
         return r;
     }
 
-    // Which of eight places from j on, between l and r, have their bisectors with these kClearly, and a quarter
-    // more for single precision, the wrong way round.
+    // Which of eight places from j on, between l and r, have their bisectors with these kClearly the wrong way
+    // round, and more by a quarter and by what single precision loses.
     int_lanes clearly_past(int j, int l, int r) const noexcept
     {
         const auto main = load_lanes<float_lanes>(places_->main + j);
         const auto cross = load_lanes<float_lanes>(places_->cross + j) - center_;
-        const auto half_bisector = [&](int k)
+        float_lanes lost = all_lanes(0.0f);
+        const auto leaning_to = [&](int k)
         {
-            const float along = places_->main[k];
             const float across = places_->cross[k] - center_;
-            return std::pair{0.5f * along, (across - cross) / (along - main) * (0.5f * (across + cross))};
+            const float_lanes half_slope = (across - cross) / (places_->main[k] - main) * 0.5f;
+            lost += magnitude(half_slope) * (magnitude(cross) + std::fabs(across)) * 1e-6f;
+            return half_slope * (across + cross);
         };
-        const auto [before, leaning_before] = half_bisector(l);
-        const auto [behind, leaning_behind] = half_bisector(r);
-        return (magnitude(leaning_before) <= kMostLeaning) & (magnitude(leaning_behind) <= kMostLeaning) &
-               ((before - behind) + (leaning_before - leaning_behind) >= static_cast<float>(1.25 * kClearly));
+        const float_lanes past = 0.5f * (places_->main[l] - places_->main[r]) + (leaning_to(l) - leaning_to(r));
+        return past >= static_cast<float>(1.25 * kClearly) + lost;
     }
 
     // Where the bisector of a place and the next one that was not taken out crosses the row.

@@ -133,11 +133,16 @@ TEST_P(row_cells_of, random_places_are_what_a_look_at_all_finds)
         ASSERT_TRUE(cells.take(r.places, r.size, memory));
         cells.find(r.places, slopes, row);
 
+        const int nearest_end = 20; // places
         std::vector<bool> seen(static_cast<std::size_t>(r.places.count));
         for (int i = -8 * 16; i < (r.size + 8) * 16; ++i)
             seen[static_cast<std::size_t>(r.nearest(i / 16.0 + 0.03125, y))] = true;
         for (int j = 0; j < r.places.count; ++j)
         {
+            // Between others that are not, one that is far away has no cell.
+            const bool far = r.cross[static_cast<std::size_t>(j)] == stroke_candidates::kFarAway;
+            EXPECT_TRUE(!far || j < nearest_end || j > r.places.count - 1 - nearest_end || cells.lacks(j))
+                << where(seed, GetParam(), row) << ", place " << j;
             sure += cells.has(j) ? 1 : 0;
             lacking += cells.lacks(j) ? 1 : 0;
             EXPECT_FALSE(cells.lacks(j) && seen[static_cast<std::size_t>(j)]) << where(seed, GetParam(), row);
