@@ -1,19 +1,19 @@
 #pragma once
-// The places nearest to a block of pixels, eight columns wide, between two rows of which each pixel's is known.
+// The places nearest to a block of pixels, eight columns wide, between two rows whose cells are known.
 // Internal to the file that includes it, as lanes are.
 //
 // Along a row of pixels the places' cells (where each is nearest) follow each other in the places' order, and the
 // boundary of two neighbouring cells is the bisector of their places: a straight line. So where all the bisectors
 // of neighbouring places lie in order in the block's first row and behind its last, they do so between, and every
 // place has a cell. Down a column of pixels cells then follow each other in their order as well, one way or the
-// other, from the one known above to the one known below; a step to the next one is made in the row in which the
+// other, from those above to those below; a step to the next one is made in the row in which the
 // column crosses their boundary.
 //
-//        known above:   a a b b c c d d
+//              above:   a a b b c c d d
 //                       a a b c c d d d
 //                       a b b c c d d e       each column is a few steps
 //                       a b b c d d d e
-//        known below:   a b c c d d e e
+//              below:   a b c c d d e e
 //
 // All columns are looked at beside each boundary at once. What a step adds to a place's number, and to its
 // colour's bytes as one number, is noted in the row where it is made; those made above the first row, or below the

@@ -1,6 +1,6 @@
 #pragma once
-// Which rows across a wide stroke's places reach, tile by tile, from bounds of eight neighbouring places each: a
-// few rows more than looking at every place would find. Internal to the file that includes it, as lanes are.
+// Which rows across a wide stroke's places reach, tile by tile, from bounds of eight neighbouring places each:
+// some rows more than looking at every place would find. Internal to the file that includes it, as lanes are.
 
 #include "effect/raster/stroke_candidates.hpp"
 #include "effect/raster/stroke_tile.hpp"

@@ -1,6 +1,6 @@
 #pragma once
-// Which of a stroke's places the pixels of one row across are nearest to. Internal to the file that includes it,
-// as lanes are.
+// Which of a stroke's places are nearest to anything in one row of pixels across, and which of them where each
+// tile of the row starts. Internal to the file that includes it, as lanes are.
 //
 // From a row of pixels' centres the squared distance to place j is x^2 - 2 m x + (m^2 + d^2), m being where the
 // place lies along and d how far off it is across. But for x^2, which all share, that is a straight line in x,
@@ -95,7 +95,8 @@ public:
     }
 
     // The place nearest to the point of the row where a tile of eight pixels starts, half a pixel before its first
-    // pixel's centre; or the one beside it, where the point is within kOwnRounding of their boundary.
+    // pixel's centre; or, where the point is within kOwnRounding of a boundary, the one beside it. That is so of
+    // what has a cell for sure; the others may be some places off.
     int at_start(int tile) const noexcept { return nearest_[tile]; }
 
     // Whether this place is sure to be the nearest one somewhere in the row.
@@ -288,14 +289,16 @@ private:
     int_lanes clearly_past(int j, int l, int r) const noexcept
     {
         const auto main = load_lanes<float_lanes>(places_->main + j);
-        const auto cross = load_lanes<float_lanes>(places_->cross + j) - center_;
+        const auto cross = load_lanes<float_lanes>(places_->cross + j);
         float_lanes lost = all_lanes(0.0f);
         const auto leaning_to = [&](int k)
         {
-            const float across = places_->cross[k] - center_;
-            const float_lanes half_slope = (across - cross) / (places_->main[k] - main) * 0.5f;
-            lost += magnitude(half_slope) * (magnitude(cross) + std::fabs(across)) * 1e-6f;
-            return half_slope * (across + cross);
+            // Of what was not rounded yet, which a slope would make much of.
+            const float_lanes half_slope = (places_->cross[k] - cross) / (places_->main[k] - main) * 0.5f;
+            const float_lanes off = cross - center_;
+            const float off_other = places_->cross[k] - center_;
+            lost += magnitude(half_slope) * (magnitude(off) + std::fabs(off_other)) * 1e-6f;
+            return half_slope * (off_other + off);
         };
         const float_lanes past = 0.5f * (places_->main[l] - places_->main[r]) + (leaning_to(l) - leaning_to(r));
         return past >= static_cast<float>(1.25 * kClearly) + lost;
@@ -340,7 +343,7 @@ private:
             if (gaps_ && gaps_beside(j))
             {
                 const int next = behind(nearest);
-                if (next > last_ || boundary(nearest, next) > static_cast<double>(point))
+                if (boundary(nearest, next) > static_cast<double>(point))
                     return nearest;
                 nearest = next;
                 j = next + 1;

@@ -40,14 +40,16 @@ public:
         tiles_ = (canvas_.size + kLanes - 1) / kLanes;
         scratch_memory left = memory;
         rows_ = left.take<span>(tiles_);
-        reach_rows reached;
-        if (rows_ == nullptr || !steps_.take(left) ||
-            !reached.take(places_, reach_.distance, canvas_.across, left))
+        if (rows_ == nullptr || !steps_.take(left))
             return false;
         for (row_cells* cells : {&edges_[0], &edges_[1], &halves_[0], &halves_[1]})
             if (!cells->take(places_, canvas_.size, left))
                 return false;
-        memory = left;
+        const scratch_memory rest = left;
+        reach_rows reached; // no longer than here
+        if (!reached.take(places_, reach_.distance, canvas_.across, left))
+            return false;
+        memory = rest;
         for (int tile = 0; tile < tiles_; ++tile)
             rows_[tile] = rows_of(tile, reached.of(tile * kLanes));
         return true;
