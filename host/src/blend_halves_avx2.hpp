@@ -140,8 +140,9 @@ private:
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + 8), pixels.second);
 }
 
-// Apart from loops that have constants of their own to keep in registers.
-[[gnu::noinline]] void blend_sixteen(const PF_Pixel* src, PF_Pixel* dst)
+// Apart from loops that have constants of their own to keep in registers. Where all is built for AVX2, the file
+// for less has no use for it.
+[[maybe_unused, gnu::noinline]] void blend_sixteen(const PF_Pixel* src, PF_Pixel* dst)
 {
     store_sixteen(dst, in_front_halves::blend(load_sixteen(src), load_sixteen(dst)));
 }
@@ -149,7 +150,7 @@ private:
 constexpr int most_sixteens = 16;
 
 // Up to so many times sixteen pixels. Those behind them are asked for meanwhile.
-[[gnu::noinline]] void blend_sixteens(const PF_Pixel* src, PF_Pixel* dst, int count)
+[[maybe_unused, gnu::noinline]] void blend_sixteens(const PF_Pixel* src, PF_Pixel* dst, int count)
 {
     in_front_halves pixels[most_sixteens];
     for (int i = 0; i < count; ++i)
