@@ -6,8 +6,8 @@
 // boundary of two neighbouring cells is the bisector of their places: a straight line. So where all the bisectors
 // of neighbouring places lie in order in the block's first row and behind its last, they do so between, and every
 // place has a cell. Down a column of pixels cells then follow each other in their order as well, one way or the
-// other, from those above to those below; a step to the next one is made in the row in which the
-// column crosses their boundary.
+// other, from those above to those below; a step to the next one is made in the row in which the column crosses
+// their boundary.
 //
 //              above:   a a b b c c d d
 //                       a a b c c d d d

@@ -108,20 +108,29 @@ inline float_lanes root(float_lanes v) noexcept
     return v;
 }
 
+#if defined(__SSE2__) && !defined(__AVX2__)
+// What of(x, y) answers for four lanes at a time.
+template <class Of>
+inline float_lanes by_halves(float_lanes a, float_lanes b, Of of) noexcept
+{
+    __m128 x[2];
+    __m128 y[2];
+    std::memcpy(x, &a, sizeof x);
+    std::memcpy(y, &b, sizeof y);
+    x[0] = of(x[0], y[0]);
+    x[1] = of(x[1], y[1]);
+    std::memcpy(&a, x, sizeof a);
+    return a;
+}
+#endif
+
 // a < b ? a : b in each lane, which is b where one is no number.
 inline float_lanes lower_of(float_lanes a, float_lanes b) noexcept
 {
 #if defined(__AVX2__)
     return reinterpret_cast<float_lanes>(_mm256_min_ps(reinterpret_cast<__m256>(a), reinterpret_cast<__m256>(b)));
 #elif defined(__SSE2__)
-    __m128 x[2];
-    __m128 y[2];
-    std::memcpy(x, &a, sizeof x);
-    std::memcpy(y, &b, sizeof y);
-    x[0] = _mm_min_ps(x[0], y[0]);
-    x[1] = _mm_min_ps(x[1], y[1]);
-    std::memcpy(&a, x, sizeof a);
-    return a;
+    return by_halves(a, b, [](__m128 x, __m128 y) { return _mm_min_ps(x, y); });
 #else
     return a < b ? a : b;
 #endif
@@ -133,14 +142,7 @@ inline float_lanes higher_of(float_lanes a, float_lanes b) noexcept
 #if defined(__AVX2__)
     return reinterpret_cast<float_lanes>(_mm256_max_ps(reinterpret_cast<__m256>(a), reinterpret_cast<__m256>(b)));
 #elif defined(__SSE2__)
-    __m128 x[2];
-    __m128 y[2];
-    std::memcpy(x, &a, sizeof x);
-    std::memcpy(y, &b, sizeof y);
-    x[0] = _mm_max_ps(x[0], y[0]);
-    x[1] = _mm_max_ps(x[1], y[1]);
-    std::memcpy(&a, x, sizeof a);
-    return a;
+    return by_halves(a, b, [](__m128 x, __m128 y) { return _mm_max_ps(x, y); });
 #else
     return a > b ? a : b;
 #endif
